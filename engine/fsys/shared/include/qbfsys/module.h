@@ -1,0 +1,15 @@
+// What a file-system module exports: "GetTable" or "Get64BitTable".
+//
+// Call n = 0, 1, 2, ... fills `*out` with one complete table and `*index` with
+// the file-system index it serves, and returns non-zero; a zero result means
+// there are no more tables. "GetTable" receives the 32-bit mask 0xFFFFFFFF,
+// "Get64BitTable" the 64-bit mask 0xFFFFFFFFFFFFFFFF.
+#pragma once
+#include <qbfsys/func_list.h>
+
+extern "C" {
+typedef int FS_GetTable_fn(int n, unsigned int mask, _FUNC_LIST* out, int* index);
+typedef int FS_Get64BitTable_fn(int n, unsigned long long mask, _FUNC_LIST* out, int* index);
+}
+
+#define FS_MODULE_EXPORT extern "C" __attribute__((visibility("default")))
