@@ -7,8 +7,9 @@
 // (the first 16, zero-padded when shorter); ZymUpdateEncryptionIV_V2 takes the
 // first 16 bytes of the SHA-256 digest of the given bytes.
 // Results: 0 success, ZYM_ERR_PARAMETER for null or inconsistent arguments,
-// ZYM_ERR_BUFFER when the output is too small, ZYM_ERR_CIPHER when the
-// cipher library fails.
+// ZYM_ERR_BUFFER when the output is too small (then *outSize tells the size
+// needed), ZYM_ERR_CIPHER when the cipher library fails. A call leaves the
+// current IV as it was; the output may be the input buffer.
 #pragma once
 #include <cstddef>
 #include <qbhost/export.h>

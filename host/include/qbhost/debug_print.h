@@ -7,6 +7,13 @@
 // interfaces it made and those it will make. A printed trace line reads
 // "<source path>(<line>): <text>" and goes to standard error, or to the
 // capture hook when one is set.
+//
+// Interfaces start disabled, except that the environment variable QB_TRACE,
+// when set to a comma-separated list of prefixes (QB_TRACE=engine), enables
+// those when the factory is made. One factory serves the process at a time:
+// the entry point returns the live one, or a new one when none is alive.
+// Interfaces share the factory's settings and may outlive the factory, but
+// not the library.
 #pragma once
 #include <qbclass/shared_ptr.h>
 

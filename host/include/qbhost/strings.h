@@ -5,6 +5,8 @@
 // UTF8 is UTF-8. Invalid input never fails a conversion: an invalid UTF-8
 // sequence becomes U+FFFD, and a wide character that cannot be encoded (a
 // surrogate, above U+10FFFF, or above 0xFF for ACP) becomes U+FFFD or '?'.
+// A code-page value other than ACP is taken as UTF-8; a null text converts as
+// an empty one.
 #pragma once
 #include <cstddef>
 #include <string>

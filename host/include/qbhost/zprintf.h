@@ -1,7 +1,8 @@
 // The host's debug print: every diagnostic of the layer and its modules.
 //
 // QB_Zprintf formats with the wide printf family (vswprintf): "%ls" takes a
-// wide string, "%s" a narrow one. A line is written to standard error when its
+// wide string, "%s" a narrow one in UTF-8, whatever the process locale. Lines
+// reach standard error in UTF-8, with a newline added when missing. A line is written to standard error when its
 // level is at or below the threshold (default 0; -1 silences standard error).
 // Independently of the threshold, a hook (if set) receives every line, whatever
 // its level, which is how tests capture messages.
