@@ -95,8 +95,17 @@ class weak_ptr;
 template <class T>
 class shared_ptr;
 
+template <class T>
+class internal_weak;
+
+namespace shared_ptr_details {
+template <class U, class V, class X>
+void attach_internal_weak(shared_ptr<U>& owner, V* object, internal_weak<X> const* self);
+}  // namespace shared_ptr_details
+
 // Base for objects that keep a weak pointer to themselves: the shared pointer
-// that first owns such an object tells it so (set_internal_weak).
+// that first owns such an object tells it so (set_internal_weak). Classes
+// derived from such an object inherit the hook.
 template <class T>
 class internal_weak {
  public:
@@ -109,22 +118,31 @@ class internal_weak {
   ~internal_weak() = default;
 
  private:
-  template <class U, class V>
-  friend void set_internal_weak(shared_ptr<U>& owner, V* object);
+  template <class U, class V, class X>
+  friend void shared_ptr_details::attach_internal_weak(shared_ptr<U>& owner, V* object,
+                                                       internal_weak<X> const* self);
   mutable weak_ptr<T> weak_self_;
 };
+
+namespace shared_ptr_details {
+// Chosen when V derives from some internal_weak<X>; X is deduced through the
+// derived-to-base conversion. The first owner that is still alive stays the
+// owner: wrapping an owned object again (as external_deleter does) does not
+// re-point it.
+template <class U, class V, class X>
+void attach_internal_weak(shared_ptr<U>& owner, V* object, internal_weak<X> const* self) {
+  if (self != nullptr && self->weak_self_.expired())
+    self->weak_self_ = shared_ptr<X>(owner, static_cast<X*>(object));
+}
+template <class U, class V>
+void attach_internal_weak(shared_ptr<U>&, V*, ...) {}
+}  // namespace shared_ptr_details
 
 // Tells an object that keeps a weak pointer to itself who owns it; a no-op for
 // every other type.
 template <class U, class V>
 void set_internal_weak(shared_ptr<U>& owner, V* object) {
-  if constexpr (std::is_base_of<internal_weak<V>, V>::value) {
-    if (object != nullptr)
-      static_cast<internal_weak<V>*>(object)->weak_self_ = shared_ptr<V>(owner, object);
-  } else {
-    (void)owner;
-    (void)object;
-  }
+  shared_ptr_details::attach_internal_weak(owner, object, object);
 }
 
 template <class T>
