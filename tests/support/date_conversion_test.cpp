@@ -135,6 +135,9 @@ TEST_P(date_conversion_input, BadRecordsAreRefused) {
 
 INSTANTIATE_TEST_SUITE_P(directions, date_conversion_input,
                          ::testing::Values(&qbclass::ConvertLocalDate_TimeToUTCDate_Time,
-                                           &qbclass::ConvertUTCDate_TimeToLocalDate_Time));
+                                           &qbclass::ConvertUTCDate_TimeToLocalDate_Time),
+                         [](::testing::TestParamInfo<converter> const& info) {
+                           return std::string(info.index == 0 ? "local_to_utc" : "utc_to_local");
+                         });
 
 }  // namespace

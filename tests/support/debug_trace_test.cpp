@@ -100,6 +100,7 @@ struct format_case {
   char const* format;
   int args;
 };
+std::ostream& operator<<(std::ostream& os, format_case const& c) { return os << c.name; }
 class trace_format_error : public debug_trace_fixture,
                            public ::testing::WithParamInterface<format_case> {};
 
