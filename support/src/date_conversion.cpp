@@ -83,14 +83,25 @@ bool convert(direction dir, _DATE_TIME const* in, _DATE_TIME* out) {
   return true;
 }
 
+// The host's conversions are not expected to throw; should one do so anyway,
+// the record is reported as not converted rather than ending the process.
+bool convert_guarded(direction dir, _DATE_TIME const* in, _DATE_TIME* out) noexcept {
+  try {
+    return convert(dir, in, out);
+  } catch (...) {
+    if (out != nullptr) out->date_valid = 0;
+    return false;
+  }
+}
+
 }  // namespace
 
 bool ConvertLocalDate_TimeToUTCDate_Time(_DATE_TIME* local, _DATE_TIME* utc) noexcept {
-  return convert(direction::local_to_utc, local, utc);
+  return convert_guarded(direction::local_to_utc, local, utc);
 }
 
 bool ConvertUTCDate_TimeToLocalDate_Time(_DATE_TIME* utc, _DATE_TIME* local) noexcept {
-  return convert(direction::utc_to_local, utc, local);
+  return convert_guarded(direction::utc_to_local, utc, local);
 }
 
 }  // namespace qbclass
