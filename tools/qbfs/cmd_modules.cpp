@@ -1,0 +1,40 @@
+// `qbfs modules`: start the layer, show what each of the 51 file-system
+// indices is served by, shut down.
+#include <cstdio>
+#include <cstring>
+#include <string>
+
+#include <qbfsys/registry.h>
+#include <qbhost/strings.h>
+
+#include "commands.h"
+#include "layer_session.h"
+
+namespace qbfs {
+
+int cmd_modules(Options const& options, int argc, char** /*argv*/) {
+  if (argc > 1) {
+    std::fprintf(stderr, "qbfs modules: takes no arguments\n");
+    return 2;
+  }
+  LayerSession session(options);
+  std::printf("start-up: %s\n", hex_status(session.status()).c_str());
+
+  _FUNC_LIST* tables = nullptr;
+  get_func_tabs(&tables);
+  std::printf("index  find  resolve  object  served by\n");
+  for (unsigned i = 0; i < FS_MAX_FSYS; ++i) {
+    bool generic = std::memcmp(&tables[i], &_GENFuncTab, sizeof(_FUNC_LIST)) == 0;
+    std::string by = "generic";
+    if (dlls[i]) {
+      by = wcstring(dlls[i]->name).to_utf8();
+    } else if (!generic) {
+      by = "(table of an unloaded module)";
+    }
+    std::printf("%5u  %4d  %7d  %-6s  %s\n", i, find_order[i], resolve_order[i],
+                get_DLE_fsysObjPtr(i) ? "yes" : "no", by.c_str());
+  }
+  return session.usable() ? 0 : 1;
+}
+
+}  // namespace qbfs

@@ -1,0 +1,23 @@
+// Sub-commands of the qbfs command-line host. Each takes the arguments that
+// follow the global options, argv[0] being the sub-command's name, and
+// returns the process exit code.
+#pragma once
+#include <string>
+#include <vector>
+
+namespace qbfs {
+
+// Options shared by the sub-commands that start the layer.
+struct Options {
+  std::vector<std::wstring> modules;  // module files handed to FS_InitFileSys
+  bool drive_scan = false;            // QB_CFG drive-scan flag
+  std::vector<std::wstring> roots;    // directory roots offered by the modules
+  bool quiet = false;                 // layer messages off
+  bool trace = false;                 // debug-print traces on
+};
+
+int cmd_modules(Options const& options, int argc, char** argv);
+
+}  // namespace qbfs
+
+int cmd_props(int argc, char** argv);
