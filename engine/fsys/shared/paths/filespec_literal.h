@@ -1,0 +1,49 @@
+// Character folding and the literal prefix comparison shared by the exported
+// comparer and the matching engine. Kept inline so the engine's inner search
+// loop does not go through the library's exported (interposable) entry.
+#pragma once
+
+#include <cctype>
+#include <climits>
+#include <cstdio>
+
+namespace qbfsys {
+namespace filespec {
+
+// The C library's tolower, restricted to the values it is defined for;
+// every other wide character is already its own lower case for it.
+inline wchar_t lib_tolower(wchar_t c) noexcept {
+  if (c == EOF || (c >= 0 && c <= UCHAR_MAX)) {
+    return static_cast<wchar_t>(std::tolower(static_cast<int>(c)));
+  }
+  return c;
+}
+
+// Leading characters of `text` that match `pattern`, at most `count`.
+// '?' matches any real character unless `literal`; a '?' facing the
+// terminator reports one less than matched so far.
+inline int literal_prefix(const wchar_t* pattern, const wchar_t* text, int count,
+                          int caseSensitive, int literal) noexcept {
+  for (int i = 0; i < count; ++i) {
+    const wchar_t p = pattern[i];
+    const wchar_t t = text[i];
+    if (p == t) continue;
+    if (!caseSensitive && lib_tolower(p) == lib_tolower(t)) continue;
+    if (literal || p != L'?') return i;
+    if (t == L'\0') return i - 1;
+  }
+  return count;
+}
+
+// True when the counted string (s, n) is exactly `lit` (len characters),
+// with or without one trailing terminator inside the count.
+inline bool counted_is(const wchar_t* s, int n, const wchar_t* lit, int len) noexcept {
+  if (n != len && !(n == len + 1 && s[len] == L'\0')) return false;
+  for (int i = 0; i < len; ++i) {
+    if (s[i] != lit[i]) return false;
+  }
+  return true;
+}
+
+}  // namespace filespec
+}  // namespace qbfsys
