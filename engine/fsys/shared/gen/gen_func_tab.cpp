@@ -8,6 +8,7 @@ _FUNC_LIST make_gen_table() {
   _FUNC_LIST t{};
   t.InitFileSys = GEN_InitFileSys;
   t.FindDrives = GEN_FindDrives;
+  t.RemoveDLE = GEN_RemoveDLE;
   t.DeInitFileSys = GEN_DeInitFileSys;
   return t;
 }

@@ -72,10 +72,18 @@ int segment_step(MatchState& s) noexcept {
   }
   if (seg == 0) return FS_SPEC_MATCH;
 
+  // Most positions fail on the segment's first character: fold it once
+  // instead of at every position.
+  const wchar_t first = s.spec[0];
+  const bool first_any = first == L'?';
+  const wchar_t first_folded = s.case_sensitive ? first : lib_tolower(first);
   wchar_t* at = s.name;
   int rest = s.name_len;
   while (seg <= rest) {
-    if (literal_prefix(s.spec, at, seg, s.case_sensitive, 0) == seg) {
+    const wchar_t c = at[0];
+    const bool first_fits = first_any ? c != L'\0'
+                                      : (c == first || (!s.case_sensitive && lib_tolower(c) == first_folded));
+    if (first_fits && literal_prefix(s.spec, at, seg, s.case_sensitive, 0) == seg) {
       s.name = at + seg;
       s.name_len = rest - seg;
       advance_spec_past(s, seg);

@@ -8,8 +8,9 @@
 //   4 ResolveDevName, 5 GetMachineName, 6 DeviceDispName, 7 GetVolName,
 //   8 SizeofDevName, 9 CreateTempDLE, 10 AddChildren, then the destructor.
 // Each mirrors the table slot of the same name. The defaults answer as a file
-// system that offers nothing: initialising succeeds and finds no drive; the
-// rest return FS_ERR_UNIMPLEMENTED. The registry never deletes these objects.
+// system that offers nothing: initialising succeeds and finds no drive,
+// removing a DLE uses the generic removal (GEN_RemoveDLE), the rest return
+// FS_ERR_UNIMPLEMENTED. The registry never deletes these objects.
 #pragma once
 #include <qbfsys/fs_export.h>
 #include <qbfsys/fs_status.h>

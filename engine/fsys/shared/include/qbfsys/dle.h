@@ -1,0 +1,182 @@
+// Drive list elements (DLEs) and the head of their tree.
+//
+// A GENERIC_DLE is one thing that can be backed up or restored: a machine, a
+// volume, a database. DLEs form a tree under one HEAD_DLE: the top-level
+// elements in the head's queue, each element with a queue of children. The
+// records are plain: modules create them (DLE_Create), the tree links them,
+// and the owning file system frees them through its remove-DLE operation.
+//
+// Type and file-system index. The low byte of `type` is the element's
+// file-system type byte: the index of the file system that owns it, except
+// that an element whose `flags2` carries both bits 0x60 belongs to index 23.
+// Bit 15 of `type` (DLE_WEAK) marks a weak entry, which a name search only
+// keeps as provisional. Type byte 7 is a machine element and 5 a remote
+// machine, as far as attaching and the child check are concerned.
+#pragma once
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <string>
+#include <vector>
+
+#include <qbfsys/fs_export.h>
+#include <qbfsys/fs_status.h>
+#include <qbfsys/fs_types.h>
+#include <qbhost/queue.h>
+
+constexpr std::uint32_t DLE_WEAK = 0x8000;               // bit 15 of type and subtype
+constexpr std::uint32_t DLE_FLAGS2_INDEX23 = 0x60;       // both bits: owned by index 23
+constexpr std::uint32_t DLE_STATUS_UNAVAILABLE = 0x40000;
+constexpr std::uint32_t DLE_STATUS_AVAILABLE_OVERRIDE = 0x2;  // with 0x40000: still attachable
+constexpr std::uint32_t DLE_STATUS_MAYBE_REMOTE = 0x80;  // locality is checked at attach
+constexpr std::uint32_t DLE_FEATURE1_UNSELECTED = 0x40000000;  // carries an unselect record
+constexpr std::uint32_t DLE_FEATURE2_NO_ATTACH = 0x4000;  // not attached when expanded
+constexpr std::uint8_t DLE_NAME_FLAG_ALTERNATE = 0x80;   // display the alternate name
+
+// An unselect record: why an element was deselected (the third member).
+struct DLE_UNSELECT_RECORD {
+  std::uint64_t reserved0;
+  std::uint64_t reserved1;
+  std::uint64_t reason;
+};
+
+// One exclusion pattern (component form, wide characters stored after the
+// entry's fixed part, `size` bytes with the terminator).
+struct DLE_SPEC_PATTERN {
+  DLE_SPEC_PATTERN* next;
+  std::uint32_t reason;
+  std::int16_t size;
+  std::int16_t reserved;
+  wchar_t pattern[1];
+};
+
+// Exact exclusion paths (component form) with their reason codes.
+using DLE_EXCLUDE_PATHS = std::map<std::wstring, std::uint32_t>;
+
+// Agent-warning rules: exact paths and patterns with their reason codes.
+struct DLE_AGENT_WARNINGS {
+  std::map<std::wstring, std::uint32_t> paths;
+  std::vector<std::pair<std::wstring, std::uint32_t>> patterns;
+};
+
+// Data a file system hangs on its DLEs; `destroy` frees it with the DLE.
+struct DLE_FSYS_DATA {
+  void (*destroy)(DLE_FSYS_DATA* self);
+};
+
+struct GENERIC_DLE {
+  // Fields the navigation and search rely on, in this order.
+  _Q_ELEM q;                        // sibling links; a DLE pointer is its queue element
+  _Q_HEADER child_q;                // children: first, last, count
+  std::uint32_t type;               // low byte: file-system type byte; bit 15: weak
+  std::uint32_t subtype;            // bit 15 likewise a flag
+  wchar_t* device_name;             // owned
+  std::uint32_t device_name_size;   // bytes, terminator included
+  wchar_t name_delimiter;           // separates the parts of the device name
+  std::int32_t hidden;              // non-zero: left out of ordinary walks
+  wchar_t* secondary_name;          // owned, may be null
+  wchar_t* simple_name;             // owned, may be null: the element's short name
+
+  // Tree, state and attach.
+  HEAD_DLE* head;                   // the tree the element belongs to
+  GENERIC_DLE* parent;              // null for a top-level element
+  std::uint32_t status_flags;       // DLE_STATUS_*
+  std::uint32_t flags2;             // second flag word
+  std::uint16_t attach_count;       // handles attached to the element
+  std::uint16_t attach_reserved;
+  std::uint32_t state;              // 2: a remote element that cannot be reached
+  std::uint32_t top_level_flag;     // non-zero: kept in the head's second queue
+  std::uint8_t name_flags;          // DLE_NAME_FLAG_ALTERNATE
+  std::uint8_t dataId;
+  std::uint8_t qbdsId;
+  std::uint8_t qbdsVer;
+  std::uint32_t feature1;           // first feature word
+  std::uint32_t feature2;           // second feature word
+  std::uint32_t alt_name_owned;     // non-zero: alt_name is freed with the element
+  wchar_t* alt_name;                // alternate (display) name
+  DLE_UNSELECT_RECORD* unselect;    // owned, may be null
+
+  // Rules about the objects below the element.
+  DLE_SPEC_PATTERN* exclude_patterns;   // owned list
+  DLE_EXCLUDE_PATHS* exclude_paths;     // owned, may be null
+  DLE_AGENT_WARNINGS* agent_warnings;   // owned, may be null
+
+  DLE_FSYS_DATA* fsys_data;         // owned by the file system, freed with the element
+};
+
+static_assert(offsetof(GENERIC_DLE, q) == 0, "a DLE pointer is its queue element");
+static_assert(offsetof(GENERIC_DLE, child_q) == sizeof(_Q_ELEM), "children follow the links");
+
+struct HEAD_DLE {
+  _Q_HEADER dle_q;                  // top-level elements
+  GENERIC_DLE* further;             // one further element released with the tree
+  GENERIC_DLE* default_dle;         // returned by DLE_FindByName for a null name
+  _Q_HEADER pdi_q;                  // elements searched by DLE_FindPdiByName
+  GENERIC_DLE* current;             // the element being worked on, if any
+  std::uint32_t update_status;      // set to 0 by each drive-finding round
+  std::uint32_t reserved0;
+  unsigned char reserved[520 - 80];
+};
+static_assert(sizeof(HEAD_DLE) == 520, "the head is one 520-byte block");
+static_assert(offsetof(HEAD_DLE, dle_q) == 0, "a head is also its top-level queue");
+
+// ---- navigation and search ------------------------------------------------
+FS_EXPORT FS_STATUS DLE_GetFirst(HEAD_DLE* head, GENERIC_DLE** out, bool includeHidden);
+FS_EXPORT FS_STATUS DLE_GetNext(GENERIC_DLE** cursor, bool includeHidden);
+FS_EXPORT FS_STATUS DLE_GetPrev(GENERIC_DLE** cursor, bool includeHidden);
+FS_EXPORT FS_STATUS DLE_GetFirstChild(GENERIC_DLE* parent, GENERIC_DLE** out, bool includeHidden);
+FS_EXPORT wchar_t* DLE_GetSimpleName(GENERIC_DLE* dle);
+// Inserts into the head's top-level list in sibling order. Because a head
+// begins with its queue, the child queue of a DLE may be passed as the head.
+FS_EXPORT void DLE_QueueInsert(HEAD_DLE* head, GENERIC_DLE* dle);
+FS_EXPORT FS_STATUS DLE_FindByName(HEAD_DLE* head, wchar_t const* name, short type,
+                                   GENERIC_DLE** out, GENERIC_DLE* parent);
+FS_EXPORT FS_STATUS DLE_FindPdiByName(HEAD_DLE* head, wchar_t const* name, short ignored,
+                                      GENERIC_DLE** out);
+FS_EXPORT FS_STATUS DLE_FindPdiByName(HEAD_DLE* head, wchar_t const* name,
+                                      wchar_t const* secondName, short ignored, GENERIC_DLE** out);
+
+// ---- list maintenance -----------------------------------------------------
+FS_EXPORT FS_STATUS FS_InitDleList(HEAD_DLE** out, QB_CFG* cfg);
+FS_EXPORT void FS_DeinitDleList(HEAD_DLE* head);
+FS_EXPORT FS_STATUS DLE_UpdateList(HEAD_DLE* head, QB_CFG* cfg);
+FS_EXPORT FS_STATUS DLE_UpdateSingleDriveType(HEAD_DLE* head, QB_CFG* cfg, unsigned char fsIndex);
+FS_EXPORT FS_STATUS DLE_AddChildren(GENERIC_DLE* dle, unsigned short fsIndex, QB_CFG* cfg);
+FS_EXPORT std::uint32_t CheckChildren(GENERIC_DLE* dle, unsigned short flags);
+FS_EXPORT FS_STATUS DLE_Remove(HEAD_DLE* head, GENERIC_DLE* dle);
+FS_EXPORT FS_STATUS DLE_RemoveRecurse(GENERIC_DLE* dle, int force);
+
+// Locality. FS_IsLocalMachine answers true for every name. FS_IsLocalDLE
+// answers non-zero unless the element's status flags carry
+// DLE_STATUS_MAYBE_REMOTE: such a machine element is treated as another
+// machine's, whose unusable children CheckChildren marks unavailable.
+FS_EXPORT bool FS_IsLocalMachine(wcstring const& name);
+FS_EXPORT std::uint32_t FS_IsLocalDLE(GENERIC_DLE* dle);
+
+// ---- creating and freeing elements (for modules) --------------------------
+// Allocates a zeroed DLE named `deviceName` (copied), with the given type,
+// subtype and name delimiter, and links it in sibling order under `parent`
+// or, with no parent, at the top level of `head`. The element's head is
+// `head` (or the parent's). Returns 0, FS_ERR_BAD_PARAMETER for a null or
+// empty name or neither head nor parent, FS_ERR_NO_MEMORY.
+FS_EXPORT FS_STATUS DLE_Create(HEAD_DLE* head, GENERIC_DLE* parent, wchar_t const* deviceName,
+                               std::uint32_t type, std::uint32_t subtype, wchar_t delimiter,
+                               GENERIC_DLE** out);
+// Replaces one of the element's owned names (device, secondary, simple or
+// alternate) with a copy of `text` (null clears it).
+enum DLE_NAME_KIND { DLE_NAME_DEVICE, DLE_NAME_SECONDARY, DLE_NAME_SIMPLE, DLE_NAME_ALTERNATE };
+FS_EXPORT FS_STATUS DLE_SetName(GENERIC_DLE* dle, DLE_NAME_KIND kind, wchar_t const* text);
+// Frees the element's owned fields and the record. The element must already
+// be unlinked; its children are not touched.
+FS_EXPORT void DLE_Free(GENERIC_DLE* dle);
+// The owning file-system index: 23 for both bits 0x60 of flags2, else the
+// type byte.
+inline unsigned DLE_FsysIndex(GENERIC_DLE const* dle) {
+  return (dle->flags2 & DLE_FLAGS2_INDEX23) == DLE_FLAGS2_INDEX23 ? 23u : (dle->type & 0xFFu);
+}
+// The name shown to people: the alternate name when the name flags say so
+// and it is set, else the device name (may be null).
+inline wchar_t const* DLE_DisplayName(GENERIC_DLE const* dle) {
+  if ((dle->name_flags & DLE_NAME_FLAG_ALTERNATE) && dle->alt_name) return dle->alt_name;
+  return dle->device_name;
+}
