@@ -93,7 +93,8 @@ TEST_F(InitFileSys, LoadsTablesThroughEitherEntryPoint) {
   EXPECT_EQ(module_call<unsigned long long>("libtm_only64.so", "tm_mask"), ~0ull);
   EXPECT_EQ(module_call<int>("libtm_multi.so", "tm_init_calls"), 3);
 
-  if (traces.available()) {
+  ASSERT_TRUE(traces.available());
+  {
     std::string narrow(multi.begin(), multi.end());
     EXPECT_TRUE(traces.has("engine/fsys/shared/initfsys(454): " + narrow + " loaded at index 10"));
     std::string narrow64(only64.begin(), only64.end());
@@ -153,7 +154,8 @@ TEST_F(InitFileSys, LaterModuleOverridesAnIndexAndTheTraceNamesTheEarlierOne) {
   EXPECT_FALSE(messages_.has(L"  unloading " + c));
   EXPECT_EQ(module_call<int>("libtm_dup_b.so", "tm_init_calls"), 1);
   EXPECT_EQ(module_call<int>("libtm_dup_a.so", "tm_init_calls"), 0);
-  if (traces.available()) {
+  ASSERT_TRUE(traces.available());
+  {
     EXPECT_TRUE(traces.has("engine/fsys/shared/initfsys(442): Warning!  Overriding function table entry 20 already filled by " +
                            std::string(c.begin(), c.end())));
     EXPECT_TRUE(traces.has("engine/fsys/shared/initfsys(442): Warning!  Overriding function table entry 20 already filled by " +
@@ -169,7 +171,8 @@ TEST_F(InitFileSys, SameIndexTwiceFromOneModuleKeepsTheSecondTable) {
   EXPECT_EQ(dlls[22]->RefCount(), 1);
   EXPECT_EQ(module_call<int>("libtm_twice.so", "tm_last_init_table"), 1);
   EXPECT_EQ(module_call<int>("libtm_twice.so", "tm_init_calls"), 1);
-  if (traces.available()) {
+  ASSERT_TRUE(traces.available());
+  {
     EXPECT_TRUE(traces.has("engine/fsys/shared/initfsys(442): Warning!  Overriding function table entry 22 already filled by " +
                            std::string(twice.begin(), twice.end())));
   }
