@@ -1,0 +1,72 @@
+#include "kind_table.h"
+
+#include <cstring>
+
+namespace property_tree_details {
+
+namespace {
+// Indexed by fs_property_type. The wording differs between the message
+// families on purpose (articles, "uuid" against "guid", "boolean" against
+// "bool"); callers match these texts exactly.
+kind_info const kinds[] = {
+    {"string", "string", "a string", "a string", "string", "string"},
+    {"int", "long", "a long", "a long", "long", "long"},
+    {"dbl", "double", "a double", "a double", "double", "double"},
+    {"uint", "unsigned long", "a unsigned long", "a unsigned long", "unsigned long",
+     "unsigned long"},
+    {"int32", "32-bit int", "a 32-bit int", "a 32-bit int", "32-bit int", "int32"},
+    {"uint32", "32-bit unsigned int", "an unsigned 32-bit int", "an unsigned 32-bit int",
+     "32-bit unsigned int", "uint32"},
+    {"int64", "64-bit int", "a 64-bit int", "a 64-bit int", "64-bit int", "int64"},
+    {"uint64", "64-bit unsigned int", "an unsigned 64-bit int", "an unsigned 64-bit int",
+     "64-bit unsigned int", "uint64"},
+    {"ldbl", "long double", "a long double", "a long double", "long double", "long double"},
+    {"flt", "float", "a float", "a float", "float", "float"},
+    {"bool", "bool", "a bool", "a boolean", "boolean", "bool"},
+    {"guid", "guid", "a guid", "a uuid", "uuid", "guid"},
+    {"bin", "binary", "a binary", "a binary", "binary", "binary"},
+    {"xml", "xml", "an xml doc", "an xml doc", "xml", "xml"},
+    {"rec", "sub-tree", "a tree", "a tree", "tree", "tree"},
+};
+}  // namespace
+
+kind_info const& info(fs_property_type kind) noexcept {
+  return kinds[static_cast<int>(kind)];
+}
+
+bool kind_from_tag(char const* text, std::size_t size, fs_property_type* out) noexcept {
+  // Matched in the order the XML reader documents.
+  static fs_property_type const order[] = {
+      fs_property_type::str,   fs_property_type::lng,    fs_property_type::ulng,
+      fs_property_type::int32, fs_property_type::uint32, fs_property_type::int64,
+      fs_property_type::uint64, fs_property_type::dbl,   fs_property_type::ldbl,
+      fs_property_type::flt,   fs_property_type::xml,    fs_property_type::boolean,
+      fs_property_type::guid,  fs_property_type::bin,    fs_property_type::tree};
+  for (fs_property_type kind : order) {
+    char const* tag = info(kind).xml_tag;
+    if (std::strlen(tag) == size && std::memcmp(tag, text, size) == 0) {
+      *out = kind;
+      return true;
+    }
+  }
+  return false;
+}
+
+bool is_numeric(fs_property_type kind) noexcept {
+  switch (kind) {
+    case fs_property_type::lng:
+    case fs_property_type::dbl:
+    case fs_property_type::ulng:
+    case fs_property_type::int32:
+    case fs_property_type::uint32:
+    case fs_property_type::int64:
+    case fs_property_type::uint64:
+    case fs_property_type::ldbl:
+    case fs_property_type::flt:
+      return true;
+    default:
+      return false;
+  }
+}
+
+}  // namespace property_tree_details
