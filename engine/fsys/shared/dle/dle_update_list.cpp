@@ -1,15 +1,11 @@
 // Drive finding: DLE_UpdateList (the find_order passes) and
 // DLE_UpdateSingleDriveType (one file system).
-//
-// Passes run in ascending order of the values in find_order; a pass that no
-// index asks for is skipped rather than run empty, which gives the same
-// order for any values a host may store.
-#include <climits>
 
 #include <qbfsys/dle.h>
 #include <qbfsys/fs_init.h>
 #include <qbfsys/registry.h>
 
+#include "fs_passes.h"
 #include "fs_print.h"
 #include "fs_registry_access.h"
 
@@ -31,38 +27,23 @@ FS_STATUS DLE_UpdateList(HEAD_DLE* head, QB_CFG* cfg) {
   if (head != nullptr) head->update_status = 0;
   bool scan = cfg != nullptr && cfg->drive_scan_flag != 0;
   auto eligible = [scan](unsigned i) { return scan || (i != 9 && i != 12); };
-
-  std::int32_t pass = 0;
-  for (;;) {
-    std::int32_t next = INT_MAX;
-    bool found = false;
-    for (unsigned i = 0; i < FS_MAX_FSYS; ++i) {
-      if (eligible(i) && find_order[i] > pass && find_order[i] <= next) {
-        next = find_order[i];
-        found = true;
-      }
+  fsys::run_passes(find_order, eligible, [&](unsigned i) {
+    FS_STATUS status;
+    if (cfg == nullptr || head == nullptr) {
+      fsys::print_bad_parameter(2387);
+      status = FS_ERR_BAD_PARAMETER;
+    } else if (!has_find_drives(i)) {
+      return false;
+    } else {
+      status = find_drives(i, head, cfg);
     }
-    if (!found) break;
-    pass = next;
-    for (unsigned i = 0; i < FS_MAX_FSYS; ++i) {
-      if (!eligible(i) || find_order[i] != pass) continue;
-      FS_STATUS status;
-      if (cfg == nullptr || head == nullptr) {
-        fsys::print_bad_parameter(2387);
-        status = FS_ERR_BAD_PARAMETER;
-      } else if (!has_find_drives(i)) {
-        continue;
-      } else {
-        status = find_drives(i, head, cfg);
-      }
-      if (status != FS_SUCCESS) {
-        QB_Zprintf(0,
-                   L"Status 0x%08X returned calling FindDrives for file system %d in DLE_UpdateList",
-                   status, static_cast<int>(i));
-      }
+    if (status != FS_SUCCESS) {
+      QB_Zprintf(0,
+                 L"Status 0x%08X returned calling FindDrives for file system %d in DLE_UpdateList",
+                 status, static_cast<int>(i));
     }
-    if (pass == INT_MAX) break;
-  }
+    return false;  // a failing file system does not stop the others
+  });
   return FS_SUCCESS;
 }
 
