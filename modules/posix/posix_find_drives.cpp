@@ -185,7 +185,6 @@ FS_STATUS FindDrives(HEAD_DLE* head, QB_CFG* cfg) {
   if (machineDle == nullptr) {
     status = AddElement(head, nullptr, machineDevice, POSIX_SUBTYPE_MACHINE, L'\\', machine,
                         machine, nullptr, &machineDle);
-    if (machineDle == nullptr) return status;
     if (status != FS_SUCCESS) return status;
   }
 
