@@ -16,10 +16,11 @@
 // One source file per concern: posix_table.cpp (the table, start-up and
 // shut-down), posix_find_drives.cpp, posix_mounts.cpp (the mount table),
 // posix_dle_data.cpp (the record hung on each element), posix_remove_dle.cpp,
-// posix_machine_name.cpp. Attaching, walking and data come later, in files of
-// their own.
+// posix_machine_name.cpp, posix_attach.cpp (attach, detach, close). Walking
+// and data come later, in files of their own.
 #pragma once
 #include <cstdint>
+#include <string>
 
 #include <qbfsys/dle.h>
 #include <qbfsys/fs_status.h>
@@ -37,6 +38,16 @@ FS_STATUS PosixInitFileSys(QB_CFG* cfg);
 FS_STATUS PosixDeInitFileSys();
 FS_STATUS PosixFindDrives(HEAD_DLE* head, QB_CFG* cfg);
 FS_STATUS PosixRemoveDLE(GENERIC_DLE* dle);
+FS_STATUS PosixAttachToDLE(FSYS_HAND_STRUCT* fsh, GENERIC_DLE* dle, wchar_t* user,
+                           wchar_t* password);
+FS_STATUS PosixDetachDLE(FSYS_HAND_STRUCT* fsh, void* arg, void** result);
+FS_STATUS PosixCloseSys(FSYS_HAND_STRUCT* fsh);
+
+// What a handle keeps while attached (FSYS_HAND_STRUCT::fsysData).
+struct PosixHandleState {
+  std::string root;  // the attached element's directory; empty for the machine
+};
+
 FS_STATUS PosixGetMachineName(GENERIC_DLE* dle, wchar_t* name, unsigned int* nameLength,
                               int reserved);
 

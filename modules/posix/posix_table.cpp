@@ -1,8 +1,8 @@
 // The module's entry point "GetTable" and its start-up and shut-down.
 //
-// One table, for index 7. Attaching, detaching and the handle operations are
-// left empty until the module can walk and read; the layer answers for empty
-// slots itself.
+// One table, for index 7: start-up, drives, removal, machine name, attach,
+// detach and close. Walking and data slots stay empty until the module can
+// walk and read; the layer answers for empty slots itself.
 #include <qbfsys/module.h>
 
 #include "posix_fsys.h"
@@ -25,6 +25,9 @@ FS_MODULE_EXPORT int GetTable(int n, unsigned int, _FUNC_LIST* out, int* index) 
   table.FindDrives = &qbposix::PosixFindDrives;
   table.RemoveDLE = &qbposix::PosixRemoveDLE;
   table.GetMachineName = &qbposix::PosixGetMachineName;
+  table.AttachToDLE = &qbposix::PosixAttachToDLE;
+  table.DetachDLE = &qbposix::PosixDetachDLE;
+  table.CloseSys = &qbposix::PosixCloseSys;
   *out = table;
   *index = static_cast<int>(qbposix::FS_POSIX_INDEX);
   return 1;

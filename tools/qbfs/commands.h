@@ -17,6 +17,8 @@ struct Options {
 };
 
 int cmd_modules(Options const& options, int argc, char** argv);
+int cmd_tree(Options const& options, int argc, char** argv);
+int cmd_attach(Options const& options, int argc, char** argv);
 
 }  // namespace qbfs
 

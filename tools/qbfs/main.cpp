@@ -20,6 +20,10 @@ constexpr char kUsage[] =
     "Runs the backup agent's file-system layer from the command line.\n"
     "\n"
     "Commands:\n"
+    "  tree [--brief]     build this machine's tree of backup elements (DLEs)\n"
+    "                     and print it\n"
+    "  attach PATH        attach to the element that holds a local path,\n"
+    "                     report the result and detach\n"
     "  modules            load the modules and show which file system serves\n"
     "                     each of the 51 indices\n"
     "  props FILE [PATH]  load a property tree from XML, print it back and\n"
@@ -115,6 +119,8 @@ int main(int argc, char** argv) {
   std::string command = argv[i];
   int sub_argc = argc - i;
   char** sub_argv = argv + i;
+  if (command == "tree") return qbfs::cmd_tree(options, sub_argc, sub_argv);
+  if (command == "attach") return qbfs::cmd_attach(options, sub_argc, sub_argv);
   if (command == "modules") return qbfs::cmd_modules(options, sub_argc, sub_argv);
   if (command == "props") return cmd_props(sub_argc, sub_argv);
   if (command == "version") return version();

@@ -2,6 +2,7 @@
 // the tree it finds from configured roots and from the mount table, its
 // remove-DLE and machine name, and bad input.
 #include <stdlib.h>
+#include <errno.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -16,6 +17,7 @@
 #include "posix_dle_data.h"
 #include <qbfsys/dle.h>
 #include <qbfsys/fs_init.h>
+#include <qbfsys/handles.h>
 #include <qbfsys/registry.h>
 #include <qbhost/strings.h>
 
@@ -217,6 +219,90 @@ TEST_F(PosixModule, BadInputGivesStatusesNotCrashes) {
   EXPECT_EQ(FS_InitDleList(&head_, &cfg_), FS_ERR_INIT_FAILED);  // nothing found at all
   EXPECT_TRUE(messages_.has(
       L"Status 0xE000FE49 returned calling FindDrives for file system 7 in DLE_UpdateList"));
+}
+
+}  // namespace
+
+namespace {
+
+// Attaching real file-system elements through the layer.
+class PosixAttach : public PosixModule {
+ protected:
+  GENERIC_DLE* Root(std::string const& dir) {
+    std::wstring name = Wide(dir);
+    for (GENERIC_DLE* d : Children(OnlyMachine()))
+      if (name == d->device_name) return d;
+    return nullptr;
+  }
+  void Build() {
+    roots_ = {Wide(dir_a_), Wide(dir_b_)};
+    root_ptrs_ = {roots_[0].c_str(), roots_[1].c_str(), nullptr};
+    cfg_.roots = root_ptrs_.data();
+    cfg_.machine_name = L"testhost";
+    ASSERT_EQ(FS_InitDleList(&head_, &cfg_), FS_SUCCESS);
+  }
+  std::vector<std::wstring> roots_;
+  std::vector<wchar_t const*> root_ptrs_;
+};
+
+TEST_F(PosixAttach, AttachesAndDetachesAFileSystemElement) {
+  Build();
+  GENERIC_DLE* dle = Root(dir_a_);
+  ASSERT_NE(dle, nullptr);
+  FSYS_HAND_STRUCT* hand = nullptr;
+  ASSERT_EQ(FS_AttachToDLE(&hand, dle, &cfg_, nullptr, nullptr, 0, 0, nullptr, nullptr, 0, nullptr,
+                           false),
+            FS_SUCCESS);
+  ASSERT_NE(hand, nullptr);
+  EXPECT_EQ(dle->attach_count, 1);
+  EXPECT_TRUE(messages_.has(L"Attach to: " + Wide(dir_a_)));
+  EXPECT_EQ(FS_DetachDLE(hand), FS_SUCCESS);
+  EXPECT_EQ(dle->attach_count, 0);
+  EXPECT_TRUE(messages_.has(L"Detach from: " + Wide(dir_a_)));
+
+  // The machine element attaches too; its children stay usable (it is local).
+  GENERIC_DLE* machine = OnlyMachine();
+  ASSERT_EQ(FS_AttachToDLE(&hand, machine, &cfg_, nullptr, nullptr, 0, 0, nullptr, nullptr, 0,
+                           nullptr, false),
+            FS_SUCCESS);
+  for (GENERIC_DLE* child : Children(machine)) EXPECT_EQ(child->status_flags, 0u);
+  EXPECT_EQ(FS_DetachDLE(hand), FS_SUCCESS);
+}
+
+TEST_F(PosixAttach, VanishedDirectoryIsReportedThroughTheLastError) {
+  Build();
+  GENERIC_DLE* dle = Root(dir_b_);
+  ASSERT_NE(dle, nullptr);
+  ASSERT_EQ(rmdir(dir_b_.c_str()), 0);
+  FSYS_HAND_STRUCT* hand = nullptr;
+  EXPECT_EQ(FS_AttachToDLE(&hand, dle, &cfg_, nullptr, nullptr, 0, 0, nullptr, nullptr, 0, nullptr,
+                           false),
+            FS_STATUS_EXT_ERROR);
+  ASSERT_NE(hand, nullptr);  // kept so that the caller can read why
+  FS_EXT_ERR_ACTION action = FS_EXT_ERR_ACTION_NONE;
+  unsigned extra = 1;
+  wchar_t* message = nullptr;
+  EXPECT_EQ(GEN_GetExtendedErrorInfo(hand, &action, &extra, &message), ENOENT);
+  EXPECT_EQ(action, FS_EXT_ERR_ACTION_SKIP);
+  ASSERT_NE(message, nullptr);
+  EXPECT_EQ(std::wstring(message), Wide(dir_b_) + L": No such file or directory");
+  EXPECT_EQ(dle->attach_count, 1);
+  EXPECT_EQ(FS_DetachDLE(hand), FS_SUCCESS);
+  EXPECT_EQ(dle->attach_count, 0);
+  mkdir(dir_b_.c_str(), 0700);  // for the teardown
+}
+
+TEST_F(PosixAttach, ElementsOfOtherFileSystemsAreRefused) {
+  Build();
+  // An element the module did not make, owned by index 7 all the same.
+  GENERIC_DLE* stranger = nullptr;
+  ASSERT_EQ(DLE_Create(head_, nullptr, L"stranger", 7, 2, L'/', &stranger), FS_SUCCESS);
+  FSYS_HAND_STRUCT* hand = reinterpret_cast<FSYS_HAND_STRUCT*>(&hand);
+  EXPECT_EQ(FS_AttachToDLE(&hand, stranger, &cfg_, nullptr, nullptr, 0, 0, nullptr, nullptr, 0,
+                           nullptr, false),
+            FS_ERR_NOT_SUPPORTED);
+  EXPECT_EQ(hand, nullptr);
+  EXPECT_EQ(stranger->attach_count, 0);
 }
 
 }  // namespace

@@ -1,0 +1,89 @@
+// `qbfs attach PATH`: attach a handle to the DLE that holds a local path,
+// report the result and detach.
+//
+// The DLE chosen is the local file-system element whose device name (a mount
+// point or configured root) is the longest leading part of PATH.
+#include <climits>
+#include <cstdio>
+#include <cstdlib>
+#include <cwchar>
+#include <string>
+
+#include <qbfsys/dle.h>
+#include <qbfsys/handles.h>
+#include <qbhost/strings.h>
+
+#include "commands.h"
+#include "layer_session.h"
+
+namespace qbfs {
+namespace {
+
+bool holds(std::wstring const& root, std::wstring const& path) {
+  if (path.compare(0, root.size(), root) != 0) return false;
+  return root == L"/" || path.size() == root.size() || path[root.size()] == L'/';
+}
+
+// The deepest element of the tree whose device name holds `path`.
+GENERIC_DLE* holder_of(_Q_HEADER const& list, std::wstring const& path, GENERIC_DLE* best) {
+  for (_Q_ELEM* e = list.q_head; e != nullptr; e = e->q_next) {
+    auto* dle = reinterpret_cast<GENERIC_DLE*>(e);
+    if (dle->device_name != nullptr && dle->device_name[0] == L'/' &&
+        holds(dle->device_name, path) &&
+        (best == nullptr || std::wcslen(dle->device_name) > std::wcslen(best->device_name)))
+      best = dle;
+    best = holder_of(dle->child_q, path, best);
+  }
+  return best;
+}
+
+}  // namespace
+
+int cmd_attach(Options const& options, int argc, char** argv) {
+  if (argc != 2) {
+    std::fprintf(stderr, "usage: qbfs attach PATH\n");
+    return 2;
+  }
+  char resolved[PATH_MAX];
+  if (realpath(argv[1], resolved) == nullptr) {
+    std::perror(argv[1]);
+    return 1;
+  }
+  std::string narrow(resolved);
+  std::wstring path = wcstring::from_utf8(narrow.data(), narrow.size());
+
+  LayerSession session(options);
+  if (!session.usable()) {
+    std::fprintf(stderr, "qbfs attach: the layer did not start (%s)\n",
+                 hex_status(session.status()).c_str());
+    return 1;
+  }
+  HEAD_DLE* head = nullptr;
+  FS_InitDleList(&head, session.cfg());
+  GENERIC_DLE* dle = head != nullptr ? holder_of(head->dle_q, path, nullptr) : nullptr;
+  int rc = 1;
+  if (dle == nullptr) {
+    std::printf("no DLE holds %s\n", resolved);
+  } else {
+    std::string name = wcstring(dle->device_name).to_utf8();
+    FSYS_HAND_STRUCT* hand = nullptr;
+    FS_STATUS status = FS_AttachToDLE(&hand, dle, session.cfg(), nullptr, nullptr, 0, 0, nullptr,
+                                      nullptr, 0, nullptr, false);
+    std::printf("attach to %s (file system %u): %s\n", name.c_str(), DLE_FsysIndex(dle),
+                hex_status(status).c_str());
+    if (hand != nullptr) {
+      if (status == FS_STATUS_EXT_ERROR && hand->lastMsg != nullptr) {
+        for (wchar_t const* m = hand->lastMsg; *m != L'\0'; m += std::wcslen(m) + 1)
+          std::printf("  %s\n", wcstring(m).to_utf8().c_str());
+      }
+      std::printf("attach count while attached: %u\n", dle->attach_count);
+      FS_STATUS detached = FS_DetachDLE(hand);
+      std::printf("detach: %s\n", hex_status(detached).c_str());
+      rc = (status == FS_SUCCESS && detached == FS_SUCCESS) ? 0 : 1;
+    }
+  }
+  FS_DeinitDleList(head);
+  return rc;
+}
+
+}  // namespace qbfs

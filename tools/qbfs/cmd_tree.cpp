@@ -1,0 +1,66 @@
+// `qbfs tree`: start the layer, build the DLE tree, print it, tear it down.
+//
+// The default output is the layer's own tree dump (the format its
+// diagnostics use); --brief prints one indented line per element instead.
+#include <cstdio>
+#include <cstring>
+#include <string>
+
+#include <qbfsys/dle.h>
+#include <qbhost/strings.h>
+#include <qbhost/zprintf.h>
+
+#include "commands.h"
+#include "dle_dump.h"
+#include "layer_session.h"
+#include "stdout_lines.h"
+
+namespace qbfs {
+namespace {
+
+std::string utf8(wchar_t const* text) { return text ? wcstring(text).to_utf8() : std::string(); }
+
+void print_brief(_Q_HEADER const& list, int depth) {
+  for (_Q_ELEM* e = list.q_head; e != nullptr; e = e->q_next) {
+    auto* dle = reinterpret_cast<GENERIC_DLE*>(e);
+    std::printf("%*s%s  (file system %u, type %u, subtype %u%s%s)\n", depth * 2, "",
+                utf8(dle->device_name).c_str(), DLE_FsysIndex(dle), dle->type & 0x7FFFu,
+                dle->subtype, dle->hidden ? ", hidden" : "",
+                (dle->status_flags & DLE_STATUS_UNAVAILABLE) ? ", unavailable" : "");
+    print_brief(dle->child_q, depth + 1);
+  }
+}
+
+}  // namespace
+
+int cmd_tree(Options const& options, int argc, char** argv) {
+  bool brief = false;
+  for (int i = 1; i < argc; ++i) {
+    if (std::strcmp(argv[i], "--brief") == 0) {
+      brief = true;
+    } else {
+      std::fprintf(stderr, "qbfs tree: unknown argument %s\n", argv[i]);
+      return 2;
+    }
+  }
+  LayerSession session(options);
+  if (!session.usable()) {
+    std::fprintf(stderr, "qbfs tree: the layer did not start (%s)\n",
+                 hex_status(session.status()).c_str());
+    return 1;
+  }
+  HEAD_DLE* head = nullptr;
+  FS_STATUS status = FS_InitDleList(&head, session.cfg());
+  if (status != FS_SUCCESS)
+    std::fprintf(stderr, "qbfs tree: building the tree returned %s\n", hex_status(status).c_str());
+  if (brief) {
+    if (head != nullptr) print_brief(head->dle_q, 0);
+  } else {
+    StdoutLines to_stdout;
+    fsys::dump_dle_tree(head, L"DLE Tree");
+  }
+  FS_DeinitDleList(head);
+  return status == FS_SUCCESS ? 0 : 1;
+}
+
+}  // namespace qbfs

@@ -1,0 +1,28 @@
+// While alive, the host's debug-print lines go to standard output instead of
+// standard error: for sub-commands whose result is printed by the layer.
+#pragma once
+#include <cstdio>
+
+#include <qbhost/zprintf.h>
+
+namespace qbfs {
+
+class StdoutLines {
+ public:
+  StdoutLines() : threshold_(qbhost::zprintf_threshold()) {
+    qbhost::zprintf_set_threshold(-1);
+    qbhost::zprintf_set_hook(&StdoutLines::print, nullptr);
+  }
+  ~StdoutLines() {
+    qbhost::zprintf_set_hook(nullptr, nullptr);
+    qbhost::zprintf_set_threshold(threshold_);
+  }
+  StdoutLines(StdoutLines const&) = delete;
+  StdoutLines& operator=(StdoutLines const&) = delete;
+
+ private:
+  static void print(void*, int, wchar_t const* line);
+  int threshold_;
+};
+
+}  // namespace qbfs
