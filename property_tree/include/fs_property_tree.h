@@ -42,6 +42,7 @@
 #pragma once
 #include <cstddef>
 #include <string>
+#include <vector>
 #include <fs_property_tree_container.h>
 #include <fs_property_tree_error.h>
 #include <qbfsys/fs_export.h>
@@ -114,11 +115,12 @@ class fs_property_tree_value : public property_tree_details::base_interface {
   }
   FS_PROPERTY_TREE_SCALAR_KINDS(FS_PT_VALUE_WRAP)
 #undef FS_PT_VALUE_WRAP
-  std::basic_string<unsigned char> get_bin_val() const {
+  std::vector<unsigned char> get_bin_val() const {
     unsigned long size = 0;
     unsigned char const* bytes = nullptr;
     property_tree_details::check(i_get_bin_val(&size, &bytes));
-    return std::basic_string<unsigned char>(bytes, size);
+    if (size == 0) return std::vector<unsigned char>();
+    return std::vector<unsigned char>(bytes, bytes + size);
   }
   fs_property_tree_value& set_bin_val(unsigned long size, unsigned char const* bytes) {
     property_tree_details::check(i_set_bin_val(size, bytes));

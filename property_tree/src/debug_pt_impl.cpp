@@ -26,7 +26,7 @@ std::wstring value_text(fs_property_tree_value& v) {
       return widen(buf);
     }
     case fs_property_type::bin: {
-      std::basic_string<unsigned char> bytes = v.get_bin_val();
+      std::vector<unsigned char> bytes = v.get_bin_val();
       return widen(base64_encode(bytes.data(), bytes.size()).c_str());
     }
     case fs_property_type::tree: return v.sub_tree().serialize_txt();
