@@ -20,7 +20,8 @@ int classic_step(MatchState& s) noexcept {
 
   int matched = 0;
   if (n != 0) {
-    int m = literal_prefix(s.spec, s.name, n, s.case_sensitive, s.flags & FS_SPEC_LITERAL);
+    int m = literal_prefix(s.spec, s.name, n, s.case_sensitive, s.flags & FS_SPEC_LITERAL,
+                           s.fold);
     // A '?' facing the end of the name at the first position: the comparer's
     // one-short count would step back before both strings. Stepping back one
     // character only ever leads to "no match" (the name's count stays above

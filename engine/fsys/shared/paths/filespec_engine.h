@@ -5,6 +5,8 @@
 // for another step. The mode is re-chosen from the flags at every step.
 #pragma once
 
+#include "filespec_literal.h"
+
 namespace qbfsys {
 namespace filespec {
 
@@ -17,6 +19,11 @@ struct MatchState {
   int case_sensitive;
   int partial_ok;
   int flags;
+  Folder fold;
+  // The name's end never moves; searches remember where its next terminator
+  // is: the first one at or after `nul_from` is `nul_at` (null: none).
+  const wchar_t* nul_from;
+  const wchar_t* nul_at;
 };
 
 constexpr int kStepAgain = -1;  // the state moved on; run another step

@@ -5,6 +5,7 @@
 
 #include <cctype>
 #include <climits>
+#include <cstdint>
 #include <cstdio>
 
 namespace qbfsys {
@@ -19,16 +20,34 @@ inline wchar_t lib_tolower(wchar_t c) noexcept {
   return c;
 }
 
+// The same mapping for a run of characters. With the GNU C library, the
+// table that its tolower reads for the calling thread's locale is fetched
+// once, instead of one library call (and locale lookup) per character.
+class Folder {
+ public:
+#ifdef __GLIBC__
+  Folder() noexcept : table_(*__ctype_tolower_loc()) {}
+  wchar_t operator()(wchar_t c) const noexcept {
+    return (c == EOF || (c >= 0 && c <= UCHAR_MAX)) ? static_cast<wchar_t>(table_[c]) : c;
+  }
+
+ private:
+  const std::int32_t* table_;
+#else
+  wchar_t operator()(wchar_t c) const noexcept { return lib_tolower(c); }
+#endif
+};
+
 // Leading characters of `text` that match `pattern`, at most `count`.
 // '?' matches any real character unless `literal`; a '?' facing the
 // terminator reports one less than matched so far.
 inline int literal_prefix(const wchar_t* pattern, const wchar_t* text, int count,
-                          int caseSensitive, int literal) noexcept {
+                          int caseSensitive, int literal, Folder const& fold) noexcept {
   for (int i = 0; i < count; ++i) {
     const wchar_t p = pattern[i];
     const wchar_t t = text[i];
     if (p == t) continue;
-    if (!caseSensitive && lib_tolower(p) == lib_tolower(t)) continue;
+    if (!caseSensitive && fold(p) == fold(t)) continue;
     if (literal || p != L'?') return i;
     if (t == L'\0') return i - 1;
   }

@@ -24,7 +24,8 @@ int FS_CompareFileSpec(wchar_t* name, short nameLen, wchar_t* spec, short specLe
   if (nameLen < 0 || specLen < 0) return FS_SPEC_NO_MATCH;
 
   using namespace qbfsys::filespec;
-  MatchState s{name, name, nameLen, spec, specLen, caseSensitive, partialOk, flags};
+  MatchState s{name, name, nameLen, spec, specLen, caseSensitive, partialOk, flags, Folder(),
+               nullptr, nullptr};
   for (;;) {
     const int r = is_segment_search(s.flags) ? segment_step(s) : classic_step(s);
     if (r != kStepAgain) return r;

@@ -9,5 +9,6 @@ short FS_LiteralComp(wchar_t* pattern, wchar_t* text, short count, int caseSensi
   if (pattern == nullptr || text == nullptr) return count;  // nothing to contradict a match
   if (count <= 0) return 0;  // a negative count has no characters to look at
   return static_cast<short>(
-      qbfsys::filespec::literal_prefix(pattern, text, count, caseSensitive, literal));
+      qbfsys::filespec::literal_prefix(pattern, text, count, caseSensitive, literal,
+                                        qbfsys::filespec::Folder()));
 }
