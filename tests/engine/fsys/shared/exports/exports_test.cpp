@@ -40,7 +40,7 @@ bool matches_any(std::string const& name, std::vector<std::regex> const& pattern
   return false;
 }
 
-TEST(Exports, InterfaceOfTheStartUpSliceIsExported) {
+TEST(Exports, TheInterfaceIsExported) {
   auto symbols = read_symbols("--defined-only -C");
   ASSERT_FALSE(symbols.empty()) << "nm could not read " << QB_LAYER_PATH;
   std::set<std::string> names;
@@ -53,7 +53,24 @@ TEST(Exports, InterfaceOfTheStartUpSliceIsExported) {
            "FS_CreateDleAgent(unsigned int)", "GEN_InitFileSys(QB_CFG*)", "dlls", "find_order",
            "resolve_order", "_GENFuncTab", "__func_tab_ptr_GEN", "buildinfo",
            "qbclass::ConvertLocalDate_TimeToUTCDate_Time(_DATE_TIME*, _DATE_TIME*)",
-           "qbclass::ConvertUTCDate_TimeToLocalDate_Time(_DATE_TIME*, _DATE_TIME*)"}) {
+           "qbclass::ConvertUTCDate_TimeToLocalDate_Time(_DATE_TIME*, _DATE_TIME*)",
+           // The DLE tree, handles, last error and name pools.
+           "FS_InitDleList(HEAD_DLE**, QB_CFG*)", "FS_DeinitDleList(HEAD_DLE*)",
+           "DLE_GetFirst(HEAD_DLE*, GENERIC_DLE**, bool)", "DLE_QueueInsert(HEAD_DLE*, GENERIC_DLE*)",
+           "DLE_FindByName(HEAD_DLE*, wchar_t const*, short, GENERIC_DLE**, GENERIC_DLE*)",
+           "DLE_FindPdiByName(HEAD_DLE*, wchar_t const*, short, GENERIC_DLE**)",
+           "DLE_FindPdiByName(HEAD_DLE*, wchar_t const*, wchar_t const*, short, GENERIC_DLE**)",
+           "DLE_UpdateList(HEAD_DLE*, QB_CFG*)", "CheckChildren(GENERIC_DLE*, unsigned short)",
+           "DLE_RemoveRecurse(GENERIC_DLE*, int)", "GEN_RemoveDLE(GENERIC_DLE*)",
+           "GEN_FlushDLEs(HEAD_DLE*, unsigned char)",
+           "FS_OpenFileSys(FSYS_HAND_STRUCT**, short, QB_CFG*, _FUNC_LIST*)",
+           "FS_CloseFileSys(FSYS_HAND_STRUCT*)", "FS_DetachDLE(FSYS_HAND_STRUCT*, void*, void**)",
+           "FS_ReattachDLE(FSYS_HAND_STRUCT*, _FUNC_LIST*, GENERIC_DLE*, wchar_t*, wchar_t*)",
+           "FS_ReattachDLE(FSYS_HAND_STRUCT*, GENERIC_DLE*, wchar_t*, wchar_t*)",
+           "FS_AddStringToLastError(FSYS_HAND_STRUCT*, wchar_t const*)",
+           "FS_AllocPathOrName(FSYS_HAND_STRUCT*, unsigned short)",
+           "FS_BlowOutMachine(HEAD_DLE*, QB_CFG*, wchar_t*, bool*, GENERIC_DLE**)",
+           "IsE14ResolveDeviceNameError(long)"}) {
     EXPECT_TRUE(names.count(expected)) << expected;
   }
 }
@@ -93,7 +110,7 @@ TEST(Exports, ImportsComeOnlyFromTheHostRuntimesAndDependencies) {
       std::regex("^(GetLastError|SetLastError|GetCurrentDateInUTC|DateTimeConvert|"
                  "base64_encode|base64_decode|Zym[A-Za-z0-9_]*|InitQueue|InitQElem|EnQueueElem|"
                  "InsertElem|DeQueueElem|RemoveQueueElem|QueueCount|QueueHead|QueueTail|QueueNext|"
-                 "QueuePrev)\\("),
+                 "QueuePrev)(\\[abi:cxx11\\])?\\("),
       std::regex("^(DateTime|wcstring|cstring|QB)::"),
   };
   // The C and C++ runtimes; sanitized builds import some of these unversioned
