@@ -226,7 +226,9 @@ class fs_property_tree
   // The tree value that owns a nested tree (the null value for a root).
   virtual exception_interface* i_parent_value_v(fs_property_tree_value** out) = 0;
   virtual exception_interface* i_parent_value_c(fs_property_tree_value const** out) const = 0;
-  // The nested tree reached by `path` (see evaluate_query for the syntax).
+  // The nested tree reached by `path`: steps separated by '/', each a property
+  // name with an optional value position ("a/b[2]/c"), "." or ".."; a leading
+  // '/' starts at the root; names allow letters, digits and '_' only.
   // A step naming a missing property or a position past its values leads to
   // the null tree (and stays there); a step whose value is not a tree fails
   // with the conversion error; ".." from a root leads to the null tree.

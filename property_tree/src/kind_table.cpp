@@ -35,6 +35,7 @@ kind_info const& info(fs_property_type kind) noexcept {
 }
 
 bool kind_from_tag(char const* text, std::size_t size, fs_property_type* out) noexcept {
+  if (size == 0) return false;
   // Matched in the order the XML reader documents.
   static fs_property_type const order[] = {
       fs_property_type::str,   fs_property_type::lng,    fs_property_type::ulng,
@@ -44,7 +45,7 @@ bool kind_from_tag(char const* text, std::size_t size, fs_property_type* out) no
       fs_property_type::guid,  fs_property_type::bin,    fs_property_type::tree};
   for (fs_property_type kind : order) {
     char const* tag = info(kind).xml_tag;
-    if (std::strlen(tag) == size && std::memcmp(tag, text, size) == 0) {
+    if (tag[0] == text[0] && std::strlen(tag) == size && std::memcmp(tag, text, size) == 0) {
       *out = kind;
       return true;
     }

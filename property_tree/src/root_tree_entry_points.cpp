@@ -14,7 +14,8 @@ std::unique_ptr<fs_property_tree_root_impl> load_root(Ch const* text) {
   check_prop_name(root->name(), root->name_size());
   std::unique_ptr<fs_property_tree_root_impl> tree(
       new fs_property_tree_root_impl(std::string(root->name(), root->name_size())));
-  tree->replace_contents(tree->load_fields(root));
+  auto loaded = tree->load_fields(root);
+  tree->replace_contents(std::move(loaded.first), std::move(loaded.second));
   return tree;
 }
 

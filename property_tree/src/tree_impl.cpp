@@ -60,6 +60,11 @@ void fs_property_tree_base_impl::replace_contents(items_type&& props) {
   replace_all(std::move(props));
 }
 
+void fs_property_tree_base_impl::replace_contents(items_type&& props, index_type&& index) noexcept {
+  items_.swap(props);
+  index_.swap(index);
+}
+
 fs_property_tree_base_impl::items_type fs_property_tree_base_impl::copy_contents(
     fs_property_tree_base_impl const& src) {
   items_type copy;

@@ -24,13 +24,16 @@ class fs_property_tree_base_impl
   // Adds an empty property (the i_add_..._2 rules: name check, then the
   // kind's duplicate message).
   fs_property_tree_property_base_impl& add_property(fs_property_type kind, char const* name);
+  using index_type = std::map<std::string, sp, std::less<>>;
   // Replaces all properties with `props` (made for this tree, names unique).
   void replace_contents(items_type&& props);
+  // The same with the name index already built.
+  void replace_contents(items_type&& props, index_type&& index) noexcept;
   // A deep copy of `src`'s properties made for this tree.
   items_type copy_contents(fs_property_tree_base_impl const& src);
   void serialize_fields(xml_document& doc, xml_node* node) const;
-  // The properties read from the element children of `node`.
-  items_type load_fields(xml_node* node);
+  // The properties read from the element children of `node`, with their index.
+  std::pair<items_type, index_type> load_fields(xml_node* node);
 
   exception_interface* i_root_tree_v(fs_property_tree** out) override;
   exception_interface* i_root_tree_c(fs_property_tree const** out) const override;
@@ -82,7 +85,7 @@ class fs_property_tree_base_impl
 
   fs_property_tree_base_impl* root_;
   unsigned depth_;
-  std::map<std::string, sp, std::less<>> index_;
+  index_type index_;
 };
 
 class fs_property_tree_root_impl final : public fs_property_tree_base_impl {

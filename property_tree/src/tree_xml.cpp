@@ -1,7 +1,6 @@
 // The XML form of a tree: writing (serialize_fields and the printer) and
 // reading (load_fields over a parsed document).
 #include <cstring>
-#include <set>
 #include <string_view>
 #include <rapidxml/rapidxml_print.hpp>
 #include <qbhost/strings.h>
@@ -82,9 +81,10 @@ void parse_document(std::vector<char>& buffer, xml_document& doc) {
   doc.parse<0>(buffer.data());
 }
 
-fs_property_tree_base_impl::items_type fs_property_tree_base_impl::load_fields(xml_node* node) {
+std::pair<fs_property_tree_base_impl::items_type, fs_property_tree_base_impl::index_type>
+fs_property_tree_base_impl::load_fields(xml_node* node) {
   items_type props;
-  std::set<std::string_view> names;
+  index_type index;
   for (xml_node* e = node->first_node(); e != nullptr; e = e->next_sibling()) {
     if (e->type() != rapidxml::node_element) continue;
     std::string_view type;
@@ -93,7 +93,8 @@ fs_property_tree_base_impl::items_type fs_property_tree_base_impl::load_fields(x
     fs_property_type kind = settle_kind(e, type);
     check_prop_name(e->name(), e->name_size());
     std::string_view name(e->name(), e->name_size());
-    if (names.count(name) != 0)
+    auto slot = index.lower_bound(name);
+    if (slot != index.end() && slot->first == name)
       throw duplicate_property_name(std::string("duplicate name used in add ") +
                                     info(kind).dup_word + " property call");
     check_count(props.size() + 1);
@@ -112,10 +113,10 @@ fs_property_tree_base_impl::items_type fs_property_tree_base_impl::load_fields(x
         node->remove_node(sibling);
       }
     }
-    props.push_back(property);
-    names.insert(props.back()->name_string());
+    index.emplace_hint(slot, property->name_string(), property);
+    props.push_back(std::move(property));
   }
-  return props;
+  return {std::move(props), std::move(index)};
 }
 
 std::string fs_property_tree_base_impl::serialize_utf8() const {
@@ -155,7 +156,8 @@ void load_into(fs_property_tree_base_impl& tree, Ch const* text) {
   std::vector<char> buffer = buffer_of(text);
   xml_document doc;
   parse_document(buffer, doc);
-  tree.replace_contents(tree.load_fields(root_element(doc)));
+  auto loaded = tree.load_fields(root_element(doc));
+  tree.replace_contents(std::move(loaded.first), std::move(loaded.second));
 }
 }  // namespace
 

@@ -197,7 +197,8 @@ void fs_property_tree_value_tree_impl::assign(source const& s) {
 }
 
 void fs_property_tree_value_tree_impl::load_xml(xml_node* element) {
-  tree_->replace_contents(tree_->load_fields(element));
+  auto loaded = tree_->load_fields(element);
+  tree_->replace_contents(std::move(loaded.first), std::move(loaded.second));
 }
 
 void fs_property_tree_value_tree_impl::serialize(xml_document& doc, xml_node* element) const {

@@ -1,5 +1,6 @@
 #include "xml_depth.h"
 
+#include <cstdint>
 #include <cstring>
 
 namespace property_tree_details {
@@ -68,6 +69,14 @@ std::string check_utf8(char const* text, std::size_t size) {
   unsigned char const* s = reinterpret_cast<unsigned char const*>(text);
   std::size_t i = 0;
   while (i < size) {
+    // ASCII runs, eight bytes at a time.
+    while (size - i >= 8) {
+      std::uint64_t chunk;
+      std::memcpy(&chunk, s + i, 8);
+      if ((chunk & 0x8080808080808080ULL) != 0) break;
+      i += 8;
+    }
+    if (i >= size) break;
     unsigned char c = s[i];
     if (c < 0x80) {
       ++i;
