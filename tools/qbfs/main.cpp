@@ -26,6 +26,9 @@ constexpr char kUsage[] =
     "                     report the result and detach\n"
     "  modules            load the modules and show which file system serves\n"
     "                     each of the 51 indices\n"
+    "  match [-i] [--partial] [--segment | --flags N] SPEC NAME...\n"
+    "                     print 0, 1 or 2 per name: how the file-specification\n"
+    "                     matcher answers (no match, match, name too short)\n"
     "  props FILE [PATH]  load a property tree from XML, print it back and\n"
     "                     answer a path query\n"
     "  version            show what was built\n"
@@ -122,6 +125,7 @@ int main(int argc, char** argv) {
   if (command == "tree") return qbfs::cmd_tree(options, sub_argc, sub_argv);
   if (command == "attach") return qbfs::cmd_attach(options, sub_argc, sub_argv);
   if (command == "modules") return qbfs::cmd_modules(options, sub_argc, sub_argv);
+  if (command == "match") return qbfs::cmd_match(sub_argc, sub_argv);
   if (command == "props") return cmd_props(sub_argc, sub_argv);
   if (command == "version") return version();
   std::fprintf(stderr, "qbfs: unknown command '%s'\n\n%s", command.c_str(), kUsage);
