@@ -21,7 +21,7 @@ std::vector<std::wstring> make_names(bool paths) {
                                         L"", L".log", L".TMP", L".bin", L".dat"};
   static wchar_t const* const dirs[] = {L"C:\\Users\\alice\\Documents\\",
                                         L"C:\\Users\\bob\\AppData\\Local\\cache\\",
-                                        L"D:\\projects\\build\\obj\\", L"C:\\Windows\\Temp\\"};
+                                        L"D:\\projects\\build\\obj\\", L"C:\\Temp\\spool\\"};
   std::mt19937 rng(7);
   std::vector<std::wstring> out;
   for (int i = 0; i < 1024; ++i) {
