@@ -14,6 +14,7 @@ class StdoutLines {
     qbhost::zprintf_set_hook(&StdoutLines::print, nullptr);
   }
   ~StdoutLines() {
+    std::fflush(stdout);  // keep the order with what later goes to standard error
     qbhost::zprintf_set_hook(nullptr, nullptr);
     qbhost::zprintf_set_threshold(threshold_);
   }
