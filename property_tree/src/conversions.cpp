@@ -4,6 +4,9 @@
 #include <cstdio>
 #include <cstring>
 #include <limits>
+#include <locale>
+#include <system_error>
+#include <langinfo.h>
 
 namespace property_tree_details {
 
@@ -86,12 +89,102 @@ void refuse_kind(fs_property_type from, fs_property_type target) {
 }
 
 namespace {
+bool is_digit(char c) noexcept { return c >= '0' && c <= '9'; }
+
+// The stream behind the lexical conversion reads with the global locale; only
+// the classic one is known to agree with from_chars (no grouping, '.').
+bool classic_numbers() noexcept {
+  try {
+    return std::locale() == std::locale::classic();
+  } catch (...) {
+    return false;
+  }
+}
+
+template <class T>
+bool plain_integer(char const* text, std::size_t size, T* out) noexcept {
+  char const* end = text + size;
+  char const* p = text;
+  if (std::is_signed<T>::value && p != end && *p == '-') ++p;
+  if (p == end) return false;
+  for (char const* q = p; q != end; ++q)
+    if (!is_digit(*q)) return false;
+  if (!classic_numbers()) return false;
+  T v{};
+  std::from_chars_result r = std::from_chars(text, end, v);
+  if (r.ec != std::errc() || r.ptr != end) return false;
+  *out = v;
+  return true;
+}
+
+// Sign, digits with at most one '.', an exponent with digits: what both the
+// stream and from_chars read the same way (no '+', no "inf", no hex).
+template <class T>
+bool plain_floating(char const* text, std::size_t size, T* out) noexcept {
+  char const* end = text + size;
+  char const* p = text;
+  if (p != end && *p == '-') ++p;
+  bool digits = false;
+  bool nonzero = false;
+  for (; p != end && is_digit(*p); ++p) {
+    digits = true;
+    nonzero = nonzero || *p != '0';
+  }
+  if (p != end && *p == '.') {
+    for (++p; p != end && is_digit(*p); ++p) {
+      digits = true;
+      nonzero = nonzero || *p != '0';
+    }
+  }
+  if (!digits) return false;
+  if (p != end && (*p == 'e' || *p == 'E')) {
+    ++p;
+    if (p != end && (*p == '-' || *p == '+')) ++p;
+    if (p == end) return false;
+    for (; p != end; ++p)
+      if (!is_digit(*p)) return false;
+  }
+  if (p != end || !classic_numbers()) return false;
+  T v{};
+  std::from_chars_result r = std::from_chars(text, end, v);
+  if (r.ec != std::errc() || r.ptr != end) return false;
+  // Underflow and subnormal results are left to the general path.
+  if (v == 0 ? nonzero : !std::isnormal(v)) return false;
+  *out = v;
+  return true;
+}
+
 template <class T>
 std::size_t format_integer(T v, char* buf) noexcept {
   return static_cast<std::size_t>(std::to_chars(buf, buf + 63, v).ptr - buf);
 }
 std::size_t finish(int n) noexcept { return n < 0 ? 0 : static_cast<std::size_t>(n); }
 }  // namespace
+
+bool parse_plain_number(char const* text, std::size_t size, long* out) noexcept {
+  return plain_integer(text, size, out);
+}
+bool parse_plain_number(char const* text, std::size_t size, unsigned long* out) noexcept {
+  return plain_integer(text, size, out);
+}
+bool parse_plain_number(char const* text, std::size_t size, int* out) noexcept {
+  return plain_integer(text, size, out);
+}
+bool parse_plain_number(char const* text, std::size_t size, unsigned int* out) noexcept {
+  return plain_integer(text, size, out);
+}
+bool parse_plain_number(char const* text, std::size_t size, long long* out) noexcept {
+  return plain_integer(text, size, out);
+}
+bool parse_plain_number(char const* text, std::size_t size, unsigned long long* out) noexcept {
+  return plain_integer(text, size, out);
+}
+bool parse_plain_number(char const* text, std::size_t size, double* out) noexcept {
+  return plain_floating(text, size, out);
+}
+bool parse_plain_number(char const* text, std::size_t size, float* out) noexcept {
+  return plain_floating(text, size, out);
+}
 
 std::size_t format_number(long v, char* buf) noexcept { return format_integer(v, buf); }
 std::size_t format_number(unsigned long v, char* buf) noexcept { return format_integer(v, buf); }
@@ -101,12 +194,27 @@ std::size_t format_number(long long v, char* buf) noexcept { return format_integ
 std::size_t format_number(unsigned long long v, char* buf) noexcept {
   return format_integer(v, buf);
 }
+namespace {
+// "%.*g" of a double. to_chars with a precision writes exactly what printf
+// writes in the C locale, several times faster; printf itself keeps the
+// cases where they could differ (another decimal point, inf and nan).
+std::size_t format_g(double v, int precision, char* buf) noexcept {
+  if (std::isfinite(v)) {
+    char const* radix = nl_langinfo(RADIXCHAR);
+    if (radix != nullptr && radix[0] == '.' && radix[1] == '\0') {
+      std::to_chars_result r = std::to_chars(buf, buf + 63, v, std::chars_format::general, precision);
+      if (r.ec == std::errc()) return static_cast<std::size_t>(r.ptr - buf);
+    }
+  }
+  return finish(std::snprintf(buf, 64, "%.*g", precision, v));
+}
+}  // namespace
+
 std::size_t format_number(float v, char* buf) noexcept {
-  return finish(std::snprintf(buf, 64, "%.*g", std::numeric_limits<float>::max_digits10,
-                              static_cast<double>(v)));
+  return format_g(static_cast<double>(v), std::numeric_limits<float>::max_digits10, buf);
 }
 std::size_t format_number(double v, char* buf) noexcept {
-  return finish(std::snprintf(buf, 64, "%.*g", std::numeric_limits<double>::max_digits10, v));
+  return format_g(v, std::numeric_limits<double>::max_digits10, buf);
 }
 std::size_t format_number(long double v, char* buf) noexcept {
   return finish(

@@ -58,10 +58,28 @@ inline source input(_SSGUID const& v) { return guid_source(v); }
 // The refusal for any source kind that cannot become `target`.
 [[noreturn]] void refuse_kind(fs_property_type from, fs_property_type target);
 
+// Plain decimal text ("-12", "3.25e-4") read straight with from_chars when
+// the result is certain to equal the lexical conversion's: the global locale
+// reads numbers as the classic one does, the text is in the plain grammar,
+// and the result is in range (floating results normal or an exact zero).
+// False means "not decided here": the caller takes the general path, which
+// also produces the exact error of the lexical conversion.
+bool parse_plain_number(char const* text, std::size_t size, long* out) noexcept;
+bool parse_plain_number(char const* text, std::size_t size, unsigned long* out) noexcept;
+bool parse_plain_number(char const* text, std::size_t size, int* out) noexcept;
+bool parse_plain_number(char const* text, std::size_t size, unsigned int* out) noexcept;
+bool parse_plain_number(char const* text, std::size_t size, long long* out) noexcept;
+bool parse_plain_number(char const* text, std::size_t size, unsigned long long* out) noexcept;
+bool parse_plain_number(char const* text, std::size_t size, double* out) noexcept;
+bool parse_plain_number(char const* text, std::size_t size, float* out) noexcept;
+
 // Text forms (XML and lexical): numbers in decimal at full precision.
 template <class T>
 T parse_number(char const* text, std::size_t size) {
   T v{};
+  if constexpr (!std::is_same<T, bool>::value && !std::is_same<T, long double>::value) {
+    if (parse_plain_number(text, size, &v)) return v;
+  }
   if constexpr (std::is_unsigned<T>::value && !std::is_same<T, bool>::value) {
     // The lexical conversion would wrap "-1" around; a negative text is no
     // unsigned number.

@@ -1,6 +1,7 @@
 #include "kind_table.h"
 
-#include <cstring>
+#include <array>
+#include <string_view>
 
 namespace property_tree_details {
 
@@ -35,18 +36,29 @@ kind_info const& info(fs_property_type kind) noexcept {
 }
 
 bool kind_from_tag(char const* text, std::size_t size, fs_property_type* out) noexcept {
+  struct tag_kind {
+    std::string_view tag;
+    fs_property_type kind;
+  };
+  // Matched in the order the XML reader documents, with the tags' lengths
+  // taken once.
+  static std::array<tag_kind, 15> const order = [] {
+    fs_property_type const kinds_in_order[] = {
+        fs_property_type::str,   fs_property_type::lng,    fs_property_type::ulng,
+        fs_property_type::int32, fs_property_type::uint32, fs_property_type::int64,
+        fs_property_type::uint64, fs_property_type::dbl,   fs_property_type::ldbl,
+        fs_property_type::flt,   fs_property_type::xml,    fs_property_type::boolean,
+        fs_property_type::guid,  fs_property_type::bin,    fs_property_type::tree};
+    std::array<tag_kind, 15> a{};
+    for (std::size_t i = 0; i < a.size(); ++i)
+      a[i] = tag_kind{info(kinds_in_order[i]).xml_tag, kinds_in_order[i]};
+    return a;
+  }();
   if (size == 0) return false;
-  // Matched in the order the XML reader documents.
-  static fs_property_type const order[] = {
-      fs_property_type::str,   fs_property_type::lng,    fs_property_type::ulng,
-      fs_property_type::int32, fs_property_type::uint32, fs_property_type::int64,
-      fs_property_type::uint64, fs_property_type::dbl,   fs_property_type::ldbl,
-      fs_property_type::flt,   fs_property_type::xml,    fs_property_type::boolean,
-      fs_property_type::guid,  fs_property_type::bin,    fs_property_type::tree};
-  for (fs_property_type kind : order) {
-    char const* tag = info(kind).xml_tag;
-    if (tag[0] == text[0] && std::strlen(tag) == size && std::memcmp(tag, text, size) == 0) {
-      *out = kind;
+  std::string_view wanted(text, size);
+  for (tag_kind const& t : order) {
+    if (t.tag == wanted) {
+      *out = t.kind;
       return true;
     }
   }

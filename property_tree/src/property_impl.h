@@ -1,5 +1,6 @@
 // Property implementations: a named container of values of one kind.
 #pragma once
+#include <algorithm>
 #include <cstddef>
 #include <string>
 #include <boost/make_shared.hpp>
@@ -32,6 +33,8 @@ class fs_property_tree_property_base_impl
 
   // Appends a value made elsewhere (it must belong to this property).
   fs_property_tree_value_base_impl& append(sp value);
+  // Room for n values (no more than the container limit).
+  void reserve_values(std::size_t n) { items_.reserve(std::min(n, max_container_elements)); }
   // Appends a value read from its XML element.
   void load_new_xml_value(xml_node* element);
   // Writes this property's elements under `parent`.

@@ -4,9 +4,24 @@
 #include <cstddef>
 #include <map>
 #include <string>
+#include <string_view>
 #include "property_impl.h"
 
 namespace property_tree_details {
+
+// Byte-wise name order (the order of std::string), compared inline: names
+// are short, and most of a lookup's time would go to calling memcmp.
+struct name_order {
+  using is_transparent = void;
+  bool operator()(std::string_view a, std::string_view b) const noexcept {
+    std::size_t n = a.size() < b.size() ? a.size() : b.size();
+    for (std::size_t i = 0; i < n; ++i) {
+      if (a[i] != b[i])
+        return static_cast<unsigned char>(a[i]) < static_cast<unsigned char>(b[i]);
+    }
+    return a.size() < b.size();
+  }
+};
 
 class fs_property_tree_base_impl
     : public container_impl<fs_property_tree, fs_property_tree_property,
@@ -24,7 +39,9 @@ class fs_property_tree_base_impl
   // Adds an empty property (the i_add_..._2 rules: name check, then the
   // kind's duplicate message).
   fs_property_tree_property_base_impl& add_property(fs_property_type kind, char const* name);
-  using index_type = std::map<std::string, sp, std::less<>>;
+  // Keyed by views of the properties' own names: a property never changes
+  // its name and lives at least as long as its index entry, which holds it.
+  using index_type = std::map<std::string_view, sp, name_order>;
   // Replaces all properties with `props` (made for this tree, names unique).
   void replace_contents(items_type&& props);
   // The same with the name index already built.

@@ -1,6 +1,8 @@
 // The XML form of a tree: writing (serialize_fields and the printer) and
 // reading (load_fields over a parsed document).
+#include <algorithm>
 #include <cstring>
+#include <iterator>
 #include <string_view>
 #include <rapidxml/rapidxml_print.hpp>
 #include <qbhost/strings.h>
@@ -51,6 +53,63 @@ void check_wide(wchar_t const* text, std::size_t size) {
   }
 }
 
+// The printer's output iterator: writes into a string grown by doubling,
+// keeping the write position in the iterator (the printer passes its
+// iterator along by value and takes it back from every call), so that a
+// character costs a compare and a store instead of a push_back.
+class print_cursor {
+ public:
+  using iterator_category = std::output_iterator_tag;
+  using value_type = void;
+  using difference_type = std::ptrdiff_t;
+  using pointer = void;
+  using reference = void;
+
+  explicit print_cursor(std::string& text) : text_(&text), p_(&text[0]), end_(p_ + text.size()) {}
+  // The characters written so far; the string is cut to them.
+  void finish() { text_->resize(static_cast<std::size_t>(p_ - &(*text_)[0])); }
+
+  // "*out = c; ++out" writes at the position, then moves on.
+  print_cursor& operator*() { return *this; }
+  print_cursor& operator=(char c) {
+    room();
+    *p_ = c;
+    return *this;
+  }
+  print_cursor& operator++() {
+    ++p_;
+    return *this;
+  }
+  // "*out++ = c" writes and moves on through the original iterator.
+  class post {
+   public:
+    explicit post(print_cursor* cursor) : cursor_(cursor) {}
+    post& operator*() { return *this; }
+    post& operator=(char c) {
+      cursor_->room();
+      *cursor_->p_++ = c;
+      return *this;
+    }
+
+   private:
+    print_cursor* cursor_;
+  };
+  post operator++(int) { return post(this); }
+
+ private:
+  void room() {
+    if (p_ != end_) return;
+    std::size_t used = static_cast<std::size_t>(p_ - &(*text_)[0]);
+    text_->resize(std::max<std::size_t>(text_->size() * 2, 4096));
+    p_ = &(*text_)[0] + used;
+    end_ = &(*text_)[0] + text_->size();
+  }
+
+  std::string* text_;
+  char* p_;
+  char* end_;
+};
+
 }  // namespace
 
 std::vector<char> buffer_of(char const* text) {
@@ -85,6 +144,12 @@ std::pair<fs_property_tree_base_impl::items_type, fs_property_tree_base_impl::in
 fs_property_tree_base_impl::load_fields(xml_node* node) {
   items_type props;
   index_type index;
+  // Room for one property per element (an upper bound: later values of a
+  // property are elements too), within the container limit.
+  std::size_t elements = 0;
+  for (xml_node* e = node->first_node(); e != nullptr; e = e->next_sibling())
+    if (e->type() == rapidxml::node_element) ++elements;
+  props.reserve(std::min(elements, max_container_elements));
   for (xml_node* e = node->first_node(); e != nullptr; e = e->next_sibling()) {
     if (e->type() != rapidxml::node_element) continue;
     std::string_view type;
@@ -100,6 +165,8 @@ fs_property_tree_base_impl::load_fields(xml_node* node) {
     check_count(props.size() + 1);
     sp property = make_property(kind, this, std::string(name), props.size());
     if (count > 0) {
+      // A hostile count takes no more memory than the elements present.
+      property->reserve_values(std::min<std::size_t>(count, elements));
       property->load_new_xml_value(e);
       // The other values are the next same-named siblings; they are taken
       // out of the document so that they are not read again as properties.
@@ -113,7 +180,7 @@ fs_property_tree_base_impl::load_fields(xml_node* node) {
         node->remove_node(sibling);
       }
     }
-    index.emplace_hint(slot, property->name_string(), property);
+    index.emplace_hint(slot, std::string_view(property->name_string()), property);
     props.push_back(std::move(property));
   }
   return {std::move(props), std::move(index)};
@@ -126,8 +193,10 @@ std::string fs_property_tree_base_impl::serialize_utf8() const {
       doc.allocate_node(rapidxml::node_element, root_name, nullptr, std::strlen(root_name), 0);
   doc.append_node(root);
   serialize_fields(doc, root);
-  std::string text;
-  rapidxml::print(std::back_inserter(text), doc, 0);
+  std::string text(4096, '\0');
+  print_cursor out(text);
+  out = rapidxml::print(out, doc, 0);
+  out.finish();
   return text;
 }
 

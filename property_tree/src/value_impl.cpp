@@ -165,15 +165,19 @@ exception_interface* fs_property_tree_value_base_impl::i_copy(fs_property_tree_v
   });
 }
 
-std::string element_text(xml_node* element) {
+std::string_view element_text(xml_node* element, std::string& storage) {
   xml_node* child = element->first_node();
-  if (child == nullptr) return std::string(element->value(), element->value_size());
-  std::string text;
+  if (child == nullptr) return std::string_view(element->value(), element->value_size());
+  // The common case: the parser's one data node holds all of the text.
+  if (child->next_sibling() == nullptr &&
+      (child->type() == rapidxml::node_data || child->type() == rapidxml::node_cdata))
+    return std::string_view(child->value(), child->value_size());
+  storage.clear();
   for (; child != nullptr; child = child->next_sibling()) {
     if (child->type() == rapidxml::node_data || child->type() == rapidxml::node_cdata)
-      text.append(child->value(), child->value_size());
+      storage.append(child->value(), child->value_size());
   }
-  return text;
+  return storage;
 }
 
 fs_property_tree_value_tree_impl::fs_property_tree_value_tree_impl(

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 #include <rapidxml/rapidxml.hpp>
 #include <fs_property_tree.h>
@@ -82,7 +83,9 @@ class fs_property_tree_value_base_impl : public fs_property_tree_value {
 fs_property_tree_value_base_impl const& value_impl_of(fs_property_tree_value const* v);
 
 // The text of an element without element children (data and CDATA joined).
-std::string element_text(xml_node* element);
+// Usually the element's own value in the document; `storage` holds the text
+// only when it has to be joined from several nodes.
+std::string_view element_text(xml_node* element, std::string& storage);
 
 template <class T, fs_property_type K>
 class fs_property_tree_value_numeric_impl final : public fs_property_tree_value_base_impl {
@@ -94,12 +97,9 @@ class fs_property_tree_value_numeric_impl final : public fs_property_tree_value_
   source view() const override { return number_source(K, static_cast<long double>(value_)); }
   void assign(source const& s) override { value_ = to_number<T>(s, K); }
   void load_xml(xml_node* element) override {
-    if (element->first_node() == nullptr)
-      value_ = parse_number<T>(element->value(), element->value_size());
-    else {
-      std::string text = element_text(element);
-      value_ = parse_number<T>(text.data(), text.size());
-    }
+    std::string storage;
+    std::string_view text = element_text(element, storage);
+    value_ = parse_number<T>(text.data(), text.size());
   }
   void serialize(xml_document& doc, xml_node* element) const override {
     char buf[64];

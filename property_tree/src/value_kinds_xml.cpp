@@ -28,12 +28,9 @@ void set_text(xml_document& doc, xml_node* element, std::wstring const& text) {
 }  // namespace
 
 void fs_property_tree_value_str_impl::load_xml(xml_node* element) {
-  if (element->first_node() == nullptr) {
-    value_ = wide_of(element->value(), element->value_size());
-  } else {
-    std::string text = element_text(element);
-    value_ = wide_of(text.data(), text.size());
-  }
+  std::string storage;
+  std::string_view text = element_text(element, storage);
+  value_ = wide_of(text.data(), text.size());
 }
 
 void fs_property_tree_value_str_impl::serialize(xml_document& doc, xml_node* element) const {
@@ -41,7 +38,8 @@ void fs_property_tree_value_str_impl::serialize(xml_document& doc, xml_node* ele
 }
 
 void fs_property_tree_value_bool_impl::load_xml(xml_node* element) {
-  std::string text = element_text(element);
+  std::string storage;
+  std::string_view text = element_text(element, storage);
   value_ = parse_number<bool>(text.data(), text.size());
 }
 
@@ -50,7 +48,8 @@ void fs_property_tree_value_bool_impl::serialize(xml_document&, xml_node* elemen
 }
 
 void fs_property_tree_value_guid_impl::load_xml(xml_node* element) {
-  std::string text = element_text(element);
+  std::string storage;
+  std::string_view text = element_text(element, storage);
   if (!parse_guid(text.data(), text.size(), &value_))
     throw boost::bad_lexical_cast(typeid(std::string), typeid(_SSGUID));
 }
@@ -68,12 +67,12 @@ void fs_property_tree_value_bin_impl::assign(source const& s) {
 }
 
 void fs_property_tree_value_bin_impl::load_xml(xml_node* element) {
-  std::string text = element_text(element);
-  std::vector<unsigned char> bytes;
-  if (!base64_decode(text.data(), text.size(), bytes))
+  std::string storage;
+  std::string_view text = element_text(element, storage);
+  // Decoded straight into this (new) value: a failure abandons the value.
+  if (!base64_decode(text.data(), text.size(), value_))
     throw std::runtime_error("binary value of property '" + owner()->name_string() +
                              "' is not valid base64 text");
-  value_.swap(bytes);
 }
 
 void fs_property_tree_value_bin_impl::serialize(xml_document& doc, xml_node* element) const {

@@ -43,19 +43,19 @@ std::string check_xml_depth(char const* text, std::size_t size, unsigned limit) 
       if (depth > 0) --depth;
       p = skip_past(p + 2, last, ">");
     } else {
-      // An element start tag: find its end outside quoted attribute values.
-      ++p;
-      char quote = 0;
-      char previous = 0;
-      while (p < last && (quote != 0 || *p != '>')) {
-        if (quote != 0) {
-          if (*p == quote) quote = 0;
-        } else if (*p == '"' || *p == '\'') {
-          quote = *p;
+      // An element start tag: find its end outside quoted attribute values
+      // (a quoted value is skipped whole).
+      char const* name = ++p;
+      while (p < last && *p != '>') {
+        if (*p == '"' || *p == '\'') {
+          char const* close =
+              static_cast<char const*>(std::memchr(p + 1, *p, static_cast<std::size_t>(last - p - 1)));
+          p = close != nullptr ? close + 1 : last;
+        } else {
+          ++p;
         }
-        previous = *p;
-        ++p;
       }
+      char previous = p > name ? p[-1] : 0;
       if (p < last) ++p;
       if (previous != '/' && ++depth > limit)
         return "XML elements nested deeper than " + std::to_string(limit) +
