@@ -20,6 +20,12 @@ inline wchar_t lib_tolower(wchar_t c) noexcept {
   return c;
 }
 
+// Lower-case table of the "C" locale when it folds 'A'..'Z' to 'a'..'z' and
+// leaves every other value alone (null otherwise, or without the GNU C
+// library). That table is static data of the library, so its address stays
+// meaningful for the life of the process.
+const std::int32_t* ascii_fold_table() noexcept;
+
 // The same mapping for a run of characters. With the GNU C library, the
 // table that its tolower reads for the calling thread's locale is fetched
 // once, instead of one library call (and locale lookup) per character.
@@ -30,11 +36,15 @@ class Folder {
   wchar_t operator()(wchar_t c) const noexcept {
     return (c == EOF || (c >= 0 && c <= UCHAR_MAX)) ? static_cast<wchar_t>(table_[c]) : c;
   }
+  // True when only 'A'..'Z' change: then exactly 'x' and 'X' fold to a
+  // lower-case ASCII letter 'x', and any other value has itself alone.
+  bool ascii_only() const noexcept { return table_ == ascii_fold_table(); }
 
  private:
   const std::int32_t* table_;
 #else
   wchar_t operator()(wchar_t c) const noexcept { return lib_tolower(c); }
+  bool ascii_only() const noexcept { return false; }
 #endif
 };
 
