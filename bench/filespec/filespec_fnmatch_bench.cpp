@@ -3,12 +3,21 @@
 // Case-sensitive matching is set against fnmatch flags 0, case-insensitive
 // against FNM_CASEFOLD. Before timing, the two match counts of every pattern
 // are compared and the first names on which they differ are printed.
+//
+// To time a change against an earlier build of the layer in the same run,
+// point QB_FILESPEC_BASELINE at that build's libqbfsys.so: its
+// FS_CompareFileSpec is then timed too ("by_baseline"). With
+// --benchmark_enable_random_interleaving=true the repetitions of all three
+// are spread over the same stretch of time, which keeps a busy machine from
+// favouring one of them.
 #include <qbfsys/fs_filespec.h>
 
 #include <benchmark/benchmark.h>
+#include <dlfcn.h>
 #include <fnmatch.h>
 
 #include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <string>
 #include <system_error>
@@ -50,10 +59,30 @@ Corpus const& corpus() {
   return c;
 }
 
-bool fs_match(std::wstring& name, std::wstring& spec, bool caseSensitive) {
-  return FS_CompareFileSpec(&name[0], static_cast<short>(name.size()), &spec[0],
-                            static_cast<short>(spec.size()), caseSensitive ? 1 : 0, 0,
-                            0) == FS_SPEC_MATCH;
+using CompareFn = int (*)(wchar_t*, short, wchar_t*, short, int, int, int) noexcept;
+
+// FS_CompareFileSpec of the baseline build, or null when none was named.
+CompareFn baseline() {
+  static CompareFn const fn = []() -> CompareFn {
+    char const* path = std::getenv("QB_FILESPEC_BASELINE");
+    if (path == nullptr || *path == '\0') return nullptr;
+    // Kept open for the whole run. Deep binding keeps the second copy of the
+    // layer on its own globals instead of sharing those of the linked one.
+    void* lib = dlopen(path, RTLD_NOW | RTLD_LOCAL | RTLD_DEEPBIND);
+    // The exported name of FS_CompareFileSpec as the compiler encodes it.
+    void* sym = lib != nullptr ? dlsym(lib, "_Z18FS_CompareFileSpecPwsS_siii") : nullptr;
+    if (sym == nullptr) {
+      std::fprintf(stderr, "baseline %s not usable: %s\n", path, dlerror());
+      return nullptr;
+    }
+    return reinterpret_cast<CompareFn>(sym);
+  }();
+  return fn;
+}
+
+bool fs_match(CompareFn compare, std::wstring& name, std::wstring& spec, bool caseSensitive) {
+  return compare(&name[0], static_cast<short>(name.size()), &spec[0],
+                 static_cast<short>(spec.size()), caseSensitive ? 1 : 0, 0, 0) == FS_SPEC_MATCH;
 }
 
 void report_differences() {
@@ -62,30 +91,35 @@ void report_differences() {
   for (bool cs : {true, false}) {
     for (char const* p : kPatterns) {
       std::wstring spec = widen(p);
-      long ours = 0, theirs = 0;
+      long ours = 0, theirs = 0, before = 0;
       int shown = 0;
       for (std::size_t i = 0; i < c.narrow.size(); ++i) {
-        bool const a = fs_match(c.wide[i], spec, cs);
+        bool const a = fs_match(FS_CompareFileSpec, c.wide[i], spec, cs);
         bool const b = fnmatch(p, c.narrow[i].c_str(), cs ? 0 : FNM_CASEFOLD) == 0;
+        bool const old = baseline() != nullptr ? fs_match(baseline(), c.wide[i], spec, cs) : a;
         ours += a;
         theirs += b;
-        if (a != b && shown++ < 5) {
-          std::printf("  differs: %-10s %s FS=%d fnmatch=%d\n", p, c.narrow[i].c_str(), a, b);
+        before += old;
+        if ((a != b || a != old) && shown++ < 5) {
+          std::printf("  differs: %-10s %s FS=%d fnmatch=%d baseline=%d\n", p,
+                      c.narrow[i].c_str(), a, b, old);
         }
       }
-      std::printf("%-16s %-10s FS_CompareFileSpec %7ld  fnmatch %7ld\n",
+      std::printf("%-16s %-10s FS_CompareFileSpec %7ld  fnmatch %7ld",
                   cs ? "case-sensitive" : "case-folded", p, ours, theirs);
+      if (baseline() != nullptr) std::printf("  baseline %7ld", before);
+      std::printf("\n");
     }
   }
 }
 
-void by_fs(benchmark::State& state) {
+void time_compare(benchmark::State& state, CompareFn compare) {
   Corpus c = corpus();
   std::wstring spec = widen(kPatterns[state.range(0)]);
   bool const cs = state.range(1) != 0;
   long matched = 0;
   for (auto _ : state) {
-    for (auto& n : c.wide) matched += fs_match(n, spec, cs);
+    for (auto& n : c.wide) matched += fs_match(compare, n, spec, cs);
   }
   benchmark::DoNotOptimize(matched);
   state.SetLabel(kPatterns[state.range(0)]);
@@ -93,6 +127,10 @@ void by_fs(benchmark::State& state) {
       static_cast<double>(c.wide.size()),
       benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
 }
+
+void by_fs(benchmark::State& state) { time_compare(state, FS_CompareFileSpec); }
+
+void by_baseline(benchmark::State& state) { time_compare(state, baseline()); }
 
 void by_fnmatch(benchmark::State& state) {
   Corpus const& c = corpus();
@@ -122,6 +160,9 @@ BENCHMARK(by_fnmatch)->Apply(patterns);
 
 int main(int argc, char** argv) {
   benchmark::Initialize(&argc, argv);
+  if (baseline() != nullptr) {
+    benchmark::RegisterBenchmark("by_baseline", by_baseline)->Apply(patterns);
+  }
   report_differences();
   benchmark::RunSpecifiedBenchmarks();
   benchmark::Shutdown();
