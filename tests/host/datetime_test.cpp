@@ -4,21 +4,11 @@
 
 #include <ctime>
 
+#include "test_records.h"
+
 namespace {
 
-_DATE_TIME make(unsigned year, unsigned month, unsigned day, unsigned hour = 0,
-                unsigned minute = 0, unsigned second = 0, unsigned ticks = 0) {
-  _DATE_TIME d{};
-  d.date_valid = 1;
-  d.year = static_cast<std::uint16_t>(year);
-  d.month = static_cast<std::uint8_t>(month);
-  d.day = static_cast<std::uint8_t>(day);
-  d.hour = static_cast<std::uint8_t>(hour);
-  d.minute = static_cast<std::uint8_t>(minute);
-  d.second = static_cast<std::uint8_t>(second);
-  d.ticks = ticks;
-  return d;
-}
+using qbtest::make_date;
 
 struct KnownDate {
   _DATE_TIME date;
@@ -52,12 +42,12 @@ TEST_P(KnownDates, ConvertBothWays) {
 INSTANTIATE_TEST_SUITE_P(
     Calendar, KnownDates,
     ::testing::Values(
-        KnownDate{make(1601, 1, 1), 0, 1},                                   // Monday
-        KnownDate{make(1970, 1, 1), 116444736000000000ull, 4},               // Thursday
-        KnownDate{make(2000, 2, 29, 12, 0, 0), 125962992000000000ull, 2},    // leap day, Tuesday
-        KnownDate{make(2021, 3, 4, 5, 6, 7, 1234567), 132593079671234567ull, 4},
-        KnownDate{make(1900, 3, 1), 94405824000000000ull, 4},  // 1900 is no leap year
-        KnownDate{make(30827, 12, 31, 23, 59, 59, 9999999), 9223149887999999999ull, 5}));
+        KnownDate{make_date(1601, 1, 1), 0, 1},                                   // Monday
+        KnownDate{make_date(1970, 1, 1), 116444736000000000ull, 4},               // Thursday
+        KnownDate{make_date(2000, 2, 29, 12, 0, 0), 125962992000000000ull, 2},    // leap day, Tuesday
+        KnownDate{make_date(2021, 3, 4, 5, 6, 7, 1234567), 132593079671234567ull, 4},
+        KnownDate{make_date(1900, 3, 1), 94405824000000000ull, 4},  // 1900 is no leap year
+        KnownDate{make_date(30827, 12, 31, 23, 59, 59, 9999999), 9223149887999999999ull, 5}));
 
 TEST(DateTime, FiletimeSplitsAndJoins) {
   _FILETIME ft{0x89ABCDEFu, 0x01234567u};
@@ -71,17 +61,17 @@ TEST(DateTime, FiletimeSplitsAndJoins) {
 
 TEST(DateTime, InvalidFieldsAreRefusedAndLeaveOutputAlone) {
   _DATE_TIME const bad[] = {
-      make(1600, 12, 31), make(30828, 1, 1), make(2021, 0, 1),  make(2021, 13, 1),
-      make(2021, 1, 0),   make(2021, 4, 31), make(2021, 2, 29), make(1900, 2, 29),
-      make(2021, 1, 1, 24), make(2021, 1, 1, 0, 60), make(2021, 1, 1, 0, 0, 60),
-      make(2021, 1, 1, 0, 0, 0, 10000000),
+      make_date(1600, 12, 31), make_date(30828, 1, 1), make_date(2021, 0, 1),  make_date(2021, 13, 1),
+      make_date(2021, 1, 0),   make_date(2021, 4, 31), make_date(2021, 2, 29), make_date(1900, 2, 29),
+      make_date(2021, 1, 1, 24), make_date(2021, 1, 1, 0, 60), make_date(2021, 1, 1, 0, 0, 60),
+      make_date(2021, 1, 1, 0, 0, 0, 10000000),
   };
   for (auto const& d : bad) {
     DateTime dt(42);
     EXPECT_FALSE(DateTimeConvert(&d, dt)) << d.year << "-" << int(d.month) << "-" << int(d.day);
     EXPECT_EQ(42u, dt.ticks());
   }
-  _DATE_TIME unset = make(2021, 1, 1);
+  _DATE_TIME unset = make_date(2021, 1, 1);
   unset.date_valid = 0;
   DateTime dt(42);
   EXPECT_FALSE(DateTimeConvert(&unset, dt));

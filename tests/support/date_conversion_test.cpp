@@ -8,21 +8,11 @@
 #include <ostream>
 #include <string>
 
+#include "test_records.h"
+
 namespace {
 
-_DATE_TIME make_date(int year, int month, int day, int hour, int minute, int second,
-                     std::uint32_t ticks) {
-  _DATE_TIME d{};
-  d.date_valid = 1;
-  d.year = static_cast<std::uint16_t>(year);
-  d.month = static_cast<std::uint8_t>(month);
-  d.day = static_cast<std::uint8_t>(day);
-  d.hour = static_cast<std::uint8_t>(hour);
-  d.minute = static_cast<std::uint8_t>(minute);
-  d.second = static_cast<std::uint8_t>(second);
-  d.ticks = ticks;
-  return d;
-}
+using qbtest::make_date;
 
 std::string show(_DATE_TIME const& d) {
   char buf[64];

@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include "capture.h"
+#include "test_records.h"
 #include <qbfsys/dle.h>
 #include <qbfsys/fs_init.h>
 #include <qbfsys/registry.h>
@@ -18,9 +19,7 @@ class DleTest : public ::testing::Test {
  protected:
   void SetUp() override {
     ASSERT_EQ(FS_InitFileSys(&cfg_, 0, nullptr, 0), FS_SUCCESS);
-    head_ = static_cast<HEAD_DLE*>(std::calloc(1, sizeof(HEAD_DLE)));
-    InitQueue(&head_->dle_q);
-    InitQueue(&head_->pdi_q);
+    head_ = new_empty_head();
   }
   void TearDown() override {
     FS_DeinitDleList(head_);

@@ -11,6 +11,7 @@
 #include <gtest/gtest.h>
 
 #include "capture.h"
+#include "test_records.h"
 #include "modules/handles_module_control.h"
 #include "test_adapter.h"
 #include <qbfsys/dle.h>
@@ -56,9 +57,7 @@ class HandleTest : public ::testing::Test {
     adapter_control() = &adapter_;
     tables()[kAdapterFsys].OpenSys = install_adapter;
 
-    head_ = static_cast<HEAD_DLE*>(std::calloc(1, sizeof(HEAD_DLE)));
-    InitQueue(&head_->dle_q);
-    InitQueue(&head_->pdi_q);
+    head_ = qbtest::new_empty_head();
   }
   void TearDown() override {
     FS_DeinitDleList(head_);

@@ -1,0 +1,38 @@
+// Plain records that several test folders build the same way.
+#pragma once
+#include <cstdint>
+#include <cstdlib>
+
+#include <qbfsys/dle.h>
+#include <qbhost/datetime.h>
+#include <qbhost/queue.h>
+
+namespace qbtest {
+
+// A set date with the given fields.
+inline _DATE_TIME make_date(int year, int month, int day, int hour = 0, int minute = 0,
+                            int second = 0, std::uint32_t ticks = 0) {
+  _DATE_TIME d{};
+  d.date_valid = 1;
+  d.year = static_cast<std::uint16_t>(year);
+  d.month = static_cast<std::uint8_t>(month);
+  d.day = static_cast<std::uint8_t>(day);
+  d.hour = static_cast<std::uint8_t>(hour);
+  d.minute = static_cast<std::uint8_t>(minute);
+  d.second = static_cast<std::uint8_t>(second);
+  d.ticks = ticks;
+  return d;
+}
+
+// An empty tree head as FS_InitDleList makes one, without drive finding;
+// released with FS_DeinitDleList.
+inline HEAD_DLE* new_empty_head() {
+  auto* head = static_cast<HEAD_DLE*>(std::calloc(1, sizeof(HEAD_DLE)));
+  if (head != nullptr) {
+    InitQueue(&head->dle_q);
+    InitQueue(&head->pdi_q);
+  }
+  return head;
+}
+
+}  // namespace qbtest
