@@ -22,27 +22,34 @@ cstring& cstring::assign(wchar_t const* text, std::size_t count, codePage page) 
   return *this;
 }
 
+// One wide character at most per byte: the result is written in place and
+// cut to length, with plain ASCII copied without decoding.
 wcstring& wcstring::assign(char const* text, std::size_t count, cstring::codePage page) {
   if (text == nullptr) count = 0;
   auto const* bytes = reinterpret_cast<unsigned char const*>(text);
-  std::wstring out;
-  out.reserve(count);
+  std::wstring out(count, L'\0');
+  wchar_t* o = count != 0 ? &out[0] : nullptr;
   if (page == cstring::ACP) {
-    for (std::size_t i = 0; i < count; ++i) out.push_back(static_cast<wchar_t>(bytes[i]));
+    for (std::size_t i = 0; i < count; ++i) *o++ = static_cast<wchar_t>(bytes[i]);
   } else {
     std::size_t i = 0;
     while (i < count) {
+      if (bytes[i] < 0x80) {
+        *o++ = static_cast<wchar_t>(bytes[i++]);
+        continue;
+      }
       char32_t c = 0;
       int const n = qbhost_detail::decode_utf8(bytes + i, count - i, c);
       if (n > 0) {
-        out.push_back(static_cast<wchar_t>(c));
+        *o++ = static_cast<wchar_t>(c);
         i += static_cast<std::size_t>(n);
       } else {
-        out.push_back(static_cast<wchar_t>(qbhost_detail::kReplacement));
+        *o++ = static_cast<wchar_t>(qbhost_detail::kReplacement);
         i += static_cast<std::size_t>(-n);
       }
     }
   }
+  out.resize(count != 0 ? static_cast<std::size_t>(o - &out[0]) : 0);
   std::wstring::operator=(std::move(out));
   return *this;
 }

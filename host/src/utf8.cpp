@@ -25,12 +25,41 @@ void append_utf8(std::string& out, char32_t c) {
   }
 }
 
+namespace {
+char32_t scalar_of(wchar_t w) {
+  auto c = static_cast<char32_t>(static_cast<std::uint32_t>(w));
+  return (c >= 0xD800 && c <= 0xDFFF) || c > 0x10FFFF ? kReplacement : c;
+}
+std::size_t utf8_length(char32_t c) { return c < 0x80 ? 1 : c < 0x800 ? 2 : c < 0x10000 ? 3 : 4; }
+}  // namespace
+
+// Measured first, then written in place: long texts (whole XML documents)
+// pass through here, and a push_back a byte costs more than the walk.
 std::string encode_utf8(wchar_t const* text, std::size_t count) {
   std::string out;
   if (text == nullptr) return out;
-  out.reserve(count);
-  for (std::size_t i = 0; i < count; ++i)
-    append_utf8(out, static_cast<char32_t>(static_cast<std::uint32_t>(text[i])));
+  std::size_t bytes = 0;
+  for (std::size_t i = 0; i < count; ++i) bytes += utf8_length(scalar_of(text[i]));
+  out.resize(bytes);
+  char* o = &out[0];
+  for (std::size_t i = 0; i < count; ++i) {
+    char32_t const c = scalar_of(text[i]);
+    if (c < 0x80) {
+      *o++ = static_cast<char>(c);
+    } else if (c < 0x800) {
+      *o++ = static_cast<char>(0xC0 | (c >> 6));
+      *o++ = static_cast<char>(0x80 | (c & 0x3F));
+    } else if (c < 0x10000) {
+      *o++ = static_cast<char>(0xE0 | (c >> 12));
+      *o++ = static_cast<char>(0x80 | ((c >> 6) & 0x3F));
+      *o++ = static_cast<char>(0x80 | (c & 0x3F));
+    } else {
+      *o++ = static_cast<char>(0xF0 | (c >> 18));
+      *o++ = static_cast<char>(0x80 | ((c >> 12) & 0x3F));
+      *o++ = static_cast<char>(0x80 | ((c >> 6) & 0x3F));
+      *o++ = static_cast<char>(0x80 | (c & 0x3F));
+    }
+  }
   return out;
 }
 

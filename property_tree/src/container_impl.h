@@ -11,6 +11,7 @@
 #include <boost/shared_ptr.hpp>
 #include <fs_property_tree_container.h>
 #include "exception_impl.h"
+#include "tree_pool.h"
 
 namespace property_tree_details {
 
@@ -18,11 +19,16 @@ namespace property_tree_details {
 // before any memory is taken, so a huge count cannot exhaust memory.
 constexpr std::size_t max_container_elements = std::size_t(1) << 26;
 
+// The elements of a container, in insertion order, kept in the root's pool.
+template <class EImpl>
+using element_vector =
+    std::vector<boost::shared_ptr<EImpl>, pool_allocator<boost::shared_ptr<EImpl>>>;
+
 template <class T, class EImpl>
 class iterator_impl final : public fs_property_tree_iterator_interface<T> {
  public:
   using E = std::remove_const_t<T>;
-  using items_type = std::vector<boost::shared_ptr<EImpl>>;
+  using items_type = element_vector<EImpl>;
 
   iterator_impl(items_type const* items, std::size_t index) noexcept
       : items_(items), index_(index) {}
@@ -55,7 +61,7 @@ template <class Interface, class E, class EImpl>
 class container_impl : public Interface {
  public:
   using sp = boost::shared_ptr<EImpl>;
-  using items_type = std::vector<sp>;
+  using items_type = element_vector<EImpl>;
   using iterator_v = fs_property_tree_iterator_interface<E>;
   using iterator_c = fs_property_tree_iterator_interface<E const>;
   using range_iterator = base_property_tree_iterator_type_interface<E>;
@@ -114,7 +120,7 @@ class container_impl : public Interface {
   exception_interface* i_clear() override {
     return guard([&] {
       check_modifiable();
-      replace_all(items_type());
+      replace_all(new_items());
     });
   }
   exception_interface* i_erase_1(range_iterator const* pos, iterator_v** out) override {
@@ -141,7 +147,7 @@ class container_impl : public Interface {
     return guard([&] {
       check_modifiable();
       std::size_t at = position(pos);
-      items_type incoming;
+      items_type incoming = new_items();
       incoming.push_back(copy_element(need_element(element), at));
       insert_items(at, std::move(incoming), insert_kind::insert);
       out_param(out) = make_iterator(at);
@@ -166,7 +172,7 @@ class container_impl : public Interface {
   exception_interface* i_push_back(E const* element) override {
     return guard([&] {
       check_modifiable();
-      items_type incoming;
+      items_type incoming = new_items();
       incoming.push_back(copy_element(need_element(element), items_.size()));
       insert_items(items_.size(), std::move(incoming), insert_kind::push_back);
     });
@@ -197,8 +203,15 @@ class container_impl : public Interface {
   }
 
   items_type const& items() const noexcept { return items_; }
+  // The pool of the root this container belongs to (null: the heap).
+  tree_pool* pool() const noexcept { return pool_; }
+  // An empty vector drawing on the same pool as this container's.
+  items_type new_items() const { return items_type(pool_allocator<sp>(pool_)); }
 
  protected:
+  explicit container_impl(tree_pool* pool) noexcept
+      : items_(pool_allocator<sp>(pool)), pool_(pool) {}
+
   enum class insert_kind { insert, push_back, assign };
 
   // Null objects refuse every change.
@@ -248,7 +261,7 @@ class container_impl : public Interface {
 
   void erase_range(std::size_t from, std::size_t to) {
     items_type removed(items_.begin() + static_cast<std::ptrdiff_t>(from),
-                       items_.begin() + static_cast<std::ptrdiff_t>(to));
+                       items_.begin() + static_cast<std::ptrdiff_t>(to), items_.get_allocator());
     detached(removed);
     items_.erase(items_.begin() + static_cast<std::ptrdiff_t>(from),
                  items_.begin() + static_cast<std::ptrdiff_t>(to));
@@ -257,7 +270,7 @@ class container_impl : public Interface {
 
   // Replaces all elements; the old ones die after the swap.
   void replace_all(items_type&& incoming) {
-    items_type old;
+    items_type old = new_items();
     old.swap(items_);
     detached(old);
     try {
@@ -274,6 +287,7 @@ class container_impl : public Interface {
   items_type items_;
 
  private:
+  tree_pool* pool_;
   iterator_v* make_iterator(std::size_t index) {
     return new iterator_impl<E, EImpl>(&items_, index);
   }
@@ -293,7 +307,7 @@ class container_impl : public Interface {
   }
   items_type copies(std::size_t count, E const& element, std::size_t at) {
     check_count(items_.size() + count);
-    items_type out;
+    items_type out = new_items();
     out.reserve(count);
     for (std::size_t i = 0; i < count; ++i) out.push_back(copy_element(element, at + i));
     return out;
@@ -305,7 +319,7 @@ class container_impl : public Interface {
     if (first->index() > last->index()) throw std::out_of_range("iterator range is reversed");
     std::size_t count = last->index() - first->index();
     check_count(items_.size() + count);
-    items_type out;
+    items_type out = new_items();
     out.reserve(count);
     for (std::size_t i = 0; i < count; ++i) {
       E const* element = nullptr;

@@ -1,6 +1,5 @@
 #include "kind_table.h"
 
-#include <array>
 #include <string_view>
 
 namespace property_tree_details {
@@ -40,21 +39,18 @@ bool kind_from_tag(char const* text, std::size_t size, fs_property_type* out) no
     std::string_view tag;
     fs_property_type kind;
   };
-  // Matched in the order the XML reader documents, with the tags' lengths
-  // taken once.
-  static std::array<tag_kind, 15> const order = [] {
-    fs_property_type const kinds_in_order[] = {
-        fs_property_type::str,   fs_property_type::lng,    fs_property_type::ulng,
-        fs_property_type::int32, fs_property_type::uint32, fs_property_type::int64,
-        fs_property_type::uint64, fs_property_type::dbl,   fs_property_type::ldbl,
-        fs_property_type::flt,   fs_property_type::xml,    fs_property_type::boolean,
-        fs_property_type::guid,  fs_property_type::bin,    fs_property_type::tree};
-    std::array<tag_kind, 15> a{};
-    for (std::size_t i = 0; i < a.size(); ++i)
-      a[i] = tag_kind{info(kinds_in_order[i]).xml_tag, kinds_in_order[i]};
-    return a;
-  }();
-  if (size == 0) return false;
+  // In the order the XML reader documents (the tags are distinct, so the
+  // order cannot change the result).
+  static constexpr tag_kind order[] = {
+      {"string", fs_property_type::str},    {"int", fs_property_type::lng},
+      {"uint", fs_property_type::ulng},     {"int32", fs_property_type::int32},
+      {"uint32", fs_property_type::uint32}, {"int64", fs_property_type::int64},
+      {"uint64", fs_property_type::uint64}, {"dbl", fs_property_type::dbl},
+      {"ldbl", fs_property_type::ldbl},     {"flt", fs_property_type::flt},
+      {"xml", fs_property_type::xml},       {"bool", fs_property_type::boolean},
+      {"guid", fs_property_type::guid},     {"bin", fs_property_type::bin},
+      {"rec", fs_property_type::tree}};
+  if (text == nullptr) return false;
   std::string_view wanted(text, size);
   for (tag_kind const& t : order) {
     if (t.tag == wanted) {

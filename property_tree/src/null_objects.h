@@ -19,7 +19,7 @@ class fs_property_tree_null final : public fs_property_tree_base_impl {
   exception_interface* i_parent_value_c(fs_property_tree_value const** out) const override;
   // The one change a null tree allows: a new, empty root named "null_tree".
   exception_interface* i_clone(fs_property_tree** out) const override;
-  fs_property_tree_null() : fs_property_tree_base_impl(nullptr, 0) {}
+  fs_property_tree_null() : fs_property_tree_base_impl(nullptr, 0, nullptr) {}
 
  protected:
   void check_modifiable() const override;

@@ -7,7 +7,7 @@ namespace property_tree_details {
 
 fs_property_tree_property_base_impl::fs_property_tree_property_base_impl(
     fs_property_tree_base_impl* tree, std::string name, unsigned long index)
-    : tree_(tree), name_(std::move(name)), index_(index) {}
+    : container_impl(tree->pool()), tree_(tree), name_(std::move(name)), index_(index) {}
 
 fs_property_tree_property_base_impl const& property_impl_of(fs_property_tree_property const* p) {
   if (p == nullptr) throw std::invalid_argument("null property");
@@ -95,7 +95,7 @@ exception_interface* fs_property_tree_property_base_impl::i_resize(std::size_t n
       erase_range(n, items_.size());
       return;
     }
-    items_type added;
+    items_type added = new_items();
     added.reserve(n - items_.size());
     while (items_.size() + added.size() < n) added.push_back(make_value());
     insert_items(items_.size(), std::move(added), insert_kind::insert);
@@ -112,7 +112,7 @@ exception_interface* fs_property_tree_property_base_impl::i_resize_init(
       erase_range(n, items_.size());
       return;
     }
-    items_type added;
+    items_type added = new_items();
     added.reserve(n - items_.size());
     while (items_.size() + added.size() < n) {
       sp value = make_value();
@@ -166,7 +166,9 @@ boost::shared_ptr<fs_property_tree_property_base_impl> make_property(
     unsigned long index) {
   switch (kind) {
 #define FS_PT_MAKE(k, cls) \
-  case fs_property_type::k: return boost::make_shared<cls>(tree, std::move(name), index);
+  case fs_property_type::k:                                                           \
+    return boost::allocate_shared<cls>(pool_allocator<cls>(tree->pool()), tree, std::move(name), \
+                                       index);
     FS_PT_MAKE(str, fs_property_tree_property_str_impl)
     FS_PT_MAKE(lng, fs_property_tree_property_lng_impl)
     FS_PT_MAKE(dbl, fs_property_tree_property_dbl_impl)

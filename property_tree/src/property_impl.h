@@ -9,6 +9,9 @@
 
 namespace property_tree_details {
 
+// The pool a tree's elements are made in.
+tree_pool* pool_of(fs_property_tree_base_impl const* tree) noexcept;
+
 class fs_property_tree_property_base_impl
     : public container_impl<fs_property_tree_property, fs_property_tree_value,
                             fs_property_tree_value_base_impl> {
@@ -74,10 +77,11 @@ class fs_property_tree_property_impl final : public fs_property_tree_property_ba
   using fs_property_tree_property_base_impl::fs_property_tree_property_base_impl;
   fs_property_type type() const noexcept override { return V::kind; }
   char const* get_serialize_type() const noexcept override { return info(V::kind).xml_tag; }
-  sp make_value() override { return boost::make_shared<V>(this); }
+  sp make_value() override { return boost::allocate_shared<V>(pool_allocator<V>(pool()), this); }
   boost::shared_ptr<fs_property_tree_property_base_impl> clone_into(
       fs_property_tree_base_impl* tree, unsigned long index) const override {
-    auto copy = boost::make_shared<fs_property_tree_property_impl>(tree, name_string(), index);
+    auto copy = boost::allocate_shared<fs_property_tree_property_impl>(
+        pool_allocator<fs_property_tree_property_impl>(pool_of(tree)), tree, name_string(), index);
     copy->items_.reserve(items_.size());
     for (sp const& v : items_) {
       sp c = copy->make_value();

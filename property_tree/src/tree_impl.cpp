@@ -8,8 +8,8 @@
 namespace property_tree_details {
 
 fs_property_tree_base_impl::fs_property_tree_base_impl(fs_property_tree_base_impl* root,
-                                                       unsigned depth)
-    : root_(root != nullptr ? root : this), depth_(depth) {
+                                                       unsigned depth, tree_pool* pool)
+    : container_impl(pool), root_(root != nullptr ? root : this), depth_(depth), index_(new_index()) {
   if (depth > fs_property_tree_max_depth)
     throw std::runtime_error("property trees nested deeper than " +
                              std::to_string(fs_property_tree_max_depth) +
@@ -17,6 +17,8 @@ fs_property_tree_base_impl::fs_property_tree_base_impl(fs_property_tree_base_imp
 }
 
 fs_property_tree_base_impl::~fs_property_tree_base_impl() = default;
+
+tree_pool* pool_of(fs_property_tree_base_impl const* tree) noexcept { return tree->pool(); }
 
 fs_property_tree_base_impl const& tree_impl_of(fs_property_tree const* t) {
   if (t == nullptr) throw std::invalid_argument("null tree");
@@ -67,7 +69,7 @@ void fs_property_tree_base_impl::replace_contents(items_type&& props, index_type
 
 fs_property_tree_base_impl::items_type fs_property_tree_base_impl::copy_contents(
     fs_property_tree_base_impl const& src) {
-  items_type copy;
+  items_type copy = new_items();
   copy.reserve(src.items_.size());
   for (sp const& p : src.items_) copy.push_back(p->clone_into(this, copy.size()));
   return copy;
@@ -259,7 +261,7 @@ exception_interface* fs_property_tree_base_impl::i_assign(fs_property_tree const
 }
 
 fs_property_tree_root_impl::fs_property_tree_root_impl(std::string name)
-    : fs_property_tree_base_impl(nullptr, 0), name_(std::move(name)) {}
+    : fs_property_tree_base_impl(nullptr, 0, &pool_of_root), name_(std::move(name)) {}
 
 exception_interface* fs_property_tree_root_impl::i_parent_value_v(fs_property_tree_value** out) {
   return guard([&] { out_param(out) = fs_property_tree_value_null::get_null_obj(); });
@@ -272,7 +274,7 @@ exception_interface* fs_property_tree_root_impl::i_parent_value_c(
 
 fs_property_tree_impl::fs_property_tree_impl(fs_property_tree_value_tree_impl* owner,
                                              fs_property_tree_base_impl* root, unsigned depth)
-    : fs_property_tree_base_impl(root, depth), owner_(owner) {}
+    : fs_property_tree_base_impl(root, depth, root->pool()), owner_(owner) {}
 
 char const* fs_property_tree_impl::name() const noexcept { return owner_->owner()->name(); }
 

@@ -27,8 +27,9 @@ class fs_property_tree_base_impl
     : public container_impl<fs_property_tree, fs_property_tree_property,
                             fs_property_tree_property_base_impl> {
  public:
-  // A root passes null for `root`; `depth` is 0 for a root.
-  fs_property_tree_base_impl(fs_property_tree_base_impl* root, unsigned depth);
+  // A root passes null for `root` and its own pool; `depth` is 0 for a root.
+  // Nested trees draw on their root's pool; the null tree has none.
+  fs_property_tree_base_impl(fs_property_tree_base_impl* root, unsigned depth, tree_pool* pool);
   ~fs_property_tree_base_impl() override;
 
   bool is_null_tree() const noexcept override { return false; }
@@ -41,7 +42,10 @@ class fs_property_tree_base_impl
   fs_property_tree_property_base_impl& add_property(fs_property_type kind, char const* name);
   // Keyed by views of the properties' own names: a property never changes
   // its name and lives at least as long as its index entry, which holds it.
-  using index_type = std::map<std::string_view, sp, name_order>;
+  using index_type =
+      std::map<std::string_view, sp, name_order, pool_allocator<std::pair<std::string_view const, sp>>>;
+  // An empty index drawing on this tree's pool.
+  index_type new_index() const { return index_type(name_order(), index_type::allocator_type(pool())); }
   // Replaces all properties with `props` (made for this tree, names unique).
   void replace_contents(items_type&& props);
   // The same with the name index already built.
@@ -105,7 +109,14 @@ class fs_property_tree_base_impl
   index_type index_;
 };
 
-class fs_property_tree_root_impl final : public fs_property_tree_base_impl {
+// Holds a root's pool in a base constructed before, and destroyed after, the
+// tree body whose elements live in it.
+struct root_pool_holder {
+  tree_pool pool_of_root;
+};
+
+class fs_property_tree_root_impl final : private root_pool_holder,
+                                         public fs_property_tree_base_impl {
  public:
   explicit fs_property_tree_root_impl(std::string name);
   void destroy() noexcept override { delete this; }

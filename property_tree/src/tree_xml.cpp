@@ -142,14 +142,8 @@ void parse_document(std::vector<char>& buffer, xml_document& doc) {
 
 std::pair<fs_property_tree_base_impl::items_type, fs_property_tree_base_impl::index_type>
 fs_property_tree_base_impl::load_fields(xml_node* node) {
-  items_type props;
-  index_type index;
-  // Room for one property per element (an upper bound: later values of a
-  // property are elements too), within the container limit.
-  std::size_t elements = 0;
-  for (xml_node* e = node->first_node(); e != nullptr; e = e->next_sibling())
-    if (e->type() == rapidxml::node_element) ++elements;
-  props.reserve(std::min(elements, max_container_elements));
+  items_type props = new_items();
+  index_type index = new_index();
   for (xml_node* e = node->first_node(); e != nullptr; e = e->next_sibling()) {
     if (e->type() != rapidxml::node_element) continue;
     std::string_view type;
@@ -165,8 +159,10 @@ fs_property_tree_base_impl::load_fields(xml_node* node) {
     check_count(props.size() + 1);
     sp property = make_property(kind, this, std::string(name), props.size());
     if (count > 0) {
-      // A hostile count takes no more memory than the elements present.
-      property->reserve_values(std::min<std::size_t>(count, elements));
+      // Room reserved for a few values only: a hostile count must not take
+      // more memory than the elements present, which are not counted first
+      // (a second walk over a large document costs more than regrowing).
+      property->reserve_values(std::min<std::size_t>(count, 8));
       property->load_new_xml_value(e);
       // The other values are the next same-named siblings; they are taken
       // out of the document so that they are not read again as properties.

@@ -194,7 +194,7 @@ source fs_property_tree_value_tree_impl::view() const { return tree_source(tree_
 void fs_property_tree_value_tree_impl::assign(source const& s) {
   check_tree_source(s);
   if (s.is_null) {
-    tree_->replace_contents(fs_property_tree_base_impl::items_type());
+    tree_->replace_contents(tree_->new_items());
   } else {
     tree_->replace_contents(tree_->copy_contents(tree_impl_of(s.tree)));
   }

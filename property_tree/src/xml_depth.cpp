@@ -31,17 +31,17 @@ std::string check_xml_depth(char const* text, std::size_t size, unsigned limit) 
   while (p < last) {
     p = static_cast<char const*>(std::memchr(p, '<', static_cast<std::size_t>(last - p)));
     if (p == nullptr) break;
-    if (starts(p, last, "<!--")) {
-      p = skip_past(p + 4, last, "-->");
-    } else if (starts(p, last, "<![CDATA[")) {
-      p = skip_past(p + 9, last, "]]>");
-    } else if (starts(p, last, "<?")) {
-      p = skip_past(p + 2, last, "?>");
-    } else if (starts(p, last, "<!")) {
-      p = skip_past(p + 2, last, ">");
-    } else if (starts(p, last, "</")) {
+    char const next = last - p > 1 ? p[1] : '\0';
+    if (next == '/') {
       if (depth > 0) --depth;
-      p = skip_past(p + 2, last, ">");
+      char const* gt = static_cast<char const*>(std::memchr(p + 2, '>', static_cast<std::size_t>(last - p - 2)));
+      p = gt != nullptr ? gt + 1 : last;
+    } else if (next == '?') {
+      p = skip_past(p + 2, last, "?>");
+    } else if (next == '!') {
+      if (starts(p, last, "<!--")) p = skip_past(p + 4, last, "-->");
+      else if (starts(p, last, "<![CDATA[")) p = skip_past(p + 9, last, "]]>");
+      else p = skip_past(p + 2, last, ">");
     } else {
       // An element start tag: find its end outside quoted attribute values
       // (a quoted value is skipped whole).
