@@ -11,9 +11,20 @@
 // Larger requests, and allocators made without a pool (temporary vectors),
 // use the general heap.
 //
+// Under AddressSanitizer free pieces are poisoned, so that a use after
+// release is still reported although the memory stays in the pool.
+//
 // A pool serves one root and everything nested in it; nothing allocated
 // from it may outlive the root (trees copy, never share, elements).
 #pragma once
+#if defined(__SANITIZE_ADDRESS__)
+#include <sanitizer/asan_interface.h>
+#define QB_POOL_POISON(p, n) ASAN_POISON_MEMORY_REGION(p, n)
+#define QB_POOL_UNPOISON(p, n) ASAN_UNPOISON_MEMORY_REGION(p, n)
+#else
+#define QB_POOL_POISON(p, n) ((void)(p), (void)(n))
+#define QB_POOL_UNPOISON(p, n) ((void)(p), (void)(n))
+#endif
 #include <cstddef>
 #include <limits>
 #include <new>
@@ -35,14 +46,16 @@ class tree_pool {
   void* allocate(std::size_t bytes) {
     if (bytes > largest) return ::operator new(bytes);
     std::size_t c = class_of(bytes);
+    std::size_t size = (c + 1) * granule;
     if (free_node* n = free_[c]) {
+      QB_POOL_UNPOISON(n, size);
       free_[c] = n->next;
       return n;
     }
-    std::size_t size = (c + 1) * granule;
     if (static_cast<std::size_t>(end_ - cursor_) < size) new_block();
     void* p = cursor_;
     cursor_ += size;
+    QB_POOL_UNPOISON(p, size);
     return p;
   }
 
@@ -55,6 +68,7 @@ class tree_pool {
     free_node* n = static_cast<free_node*>(p);
     n->next = free_[c];
     free_[c] = n;
+    QB_POOL_POISON(p, (c + 1) * granule);
   }
 
   // Bytes taken from the heap in blocks (what the tree's small objects use,
@@ -67,6 +81,7 @@ class tree_pool {
   };
   struct block_header {
     block_header* next;
+    std::size_t size;
   };
   static std::size_t class_of(std::size_t bytes) noexcept {
     return bytes == 0 ? 0 : (bytes - 1) / granule;
