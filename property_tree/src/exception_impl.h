@@ -1,7 +1,10 @@
-// The exception objects returned across the library boundary, and guard(),
-// the one handler every i_... operation runs its body in.
+// The exception objects and texts returned across the library boundary, and
+// guard(), the one handler every i_... operation runs its body in.
 #pragma once
+#include <algorithm>
+#include <cstring>
 #include <exception>
+#include <memory>
 #include <new>
 #include <stdexcept>
 #include <string>
@@ -67,16 +70,39 @@ inline wchar_t const* need_text(wchar_t const* p) {
 }
 
 // Serialized text handed to the caller.
+// Text grown in place without being zero-filled first (what the XML printer
+// writes into).
+struct text_buffer {
+  std::unique_ptr<char[]> storage;
+  char* data = nullptr;
+  std::size_t size = 0;
+  std::size_t capacity = 0;
+
+  void grow(std::size_t new_capacity) {
+    std::unique_ptr<char[]> bigger(new char[new_capacity]);
+    if (capacity != 0) std::memcpy(bigger.get(), data, std::min(capacity, new_capacity));
+    storage = std::move(bigger);
+    data = storage.get();
+    capacity = new_capacity;
+  }
+};
+
 template <class Ch>
 class text_impl final : public text_interface<Ch> {
  public:
-  explicit text_impl(std::basic_string<Ch>&& text) : text_(std::move(text)) {}
+  explicit text_impl(std::basic_string<Ch>&& text)
+      : text_(std::move(text)), data_(text_.data()), size_(text_.size()) {}
+  explicit text_impl(text_buffer&& text)
+      : buffer_(std::move(text.storage)), data_(buffer_.get()), size_(text.size) {}
   void destroy() noexcept override { delete this; }
-  Ch const* data() const noexcept override { return text_.data(); }
-  std::size_t size() const noexcept override { return text_.size(); }
+  Ch const* data() const noexcept override { return data_ != nullptr ? data_ : text_.data(); }
+  std::size_t size() const noexcept override { return size_; }
 
  private:
   std::basic_string<Ch> text_;
+  std::unique_ptr<char[]> buffer_;
+  Ch const* data_;
+  std::size_t size_;
 };
 
 }  // namespace property_tree_details

@@ -35,30 +35,47 @@ kind_info const& info(fs_property_type kind) noexcept {
 }
 
 bool kind_from_tag(char const* text, std::size_t size, fs_property_type* out) noexcept {
-  struct tag_kind {
-    std::string_view tag;
-    fs_property_type kind;
-  };
-  // In the order the XML reader documents (the tags are distinct, so the
-  // order cannot change the result).
-  static constexpr tag_kind order[] = {
-      {"string", fs_property_type::str},    {"int", fs_property_type::lng},
-      {"uint", fs_property_type::ulng},     {"int32", fs_property_type::int32},
-      {"uint32", fs_property_type::uint32}, {"int64", fs_property_type::int64},
-      {"uint64", fs_property_type::uint64}, {"dbl", fs_property_type::dbl},
-      {"ldbl", fs_property_type::ldbl},     {"flt", fs_property_type::flt},
-      {"xml", fs_property_type::xml},       {"bool", fs_property_type::boolean},
-      {"guid", fs_property_type::guid},     {"bin", fs_property_type::bin},
-      {"rec", fs_property_type::tree}};
+  // The fifteen tags are distinct, so the documented matching order cannot
+  // change the result: they are told apart by length and first letter, then
+  // compared whole.
   if (text == nullptr) return false;
-  std::string_view wanted(text, size);
-  for (tag_kind const& t : order) {
-    if (t.tag == wanted) {
-      *out = t.kind;
-      return true;
-    }
+  std::string_view const wanted(text, size);
+  fs_property_type kind;
+  switch (size) {
+    case 3:
+      switch (text[0]) {
+        case 'i': kind = fs_property_type::lng; break;
+        case 'd': kind = fs_property_type::dbl; break;
+        case 'f': kind = fs_property_type::flt; break;
+        case 'x': kind = fs_property_type::xml; break;
+        case 'b': kind = fs_property_type::bin; break;
+        case 'r': kind = fs_property_type::tree; break;
+        default: return false;
+      }
+      break;
+    case 4:
+      switch (text[0]) {
+        case 'u': kind = fs_property_type::ulng; break;
+        case 'l': kind = fs_property_type::ldbl; break;
+        case 'b': kind = fs_property_type::boolean; break;
+        case 'g': kind = fs_property_type::guid; break;
+        default: return false;
+      }
+      break;
+    case 5:
+      kind = text[3] == '3' ? fs_property_type::int32 : fs_property_type::int64;
+      break;
+    case 6:
+      kind = text[0] == 's'    ? fs_property_type::str
+             : text[4] == '3' ? fs_property_type::uint32
+                              : fs_property_type::uint64;
+      break;
+    default:
+      return false;
   }
-  return false;
+  if (wanted != info(kind).xml_tag) return false;
+  *out = kind;
+  return true;
 }
 
 bool is_numeric(fs_property_type kind) noexcept {

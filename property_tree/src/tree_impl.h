@@ -40,10 +40,10 @@ class fs_property_tree_base_impl
   // Adds an empty property (the i_add_..._2 rules: name check, then the
   // kind's duplicate message).
   fs_property_tree_property_base_impl& add_property(fs_property_type kind, char const* name);
-  // Keyed by views of the properties' own names: a property never changes
-  // its name and lives at least as long as its index entry, which holds it.
+  // Keyed by a copy of each name: a lookup then compares bytes held in the
+  // index's own nodes instead of reaching into every property it passes.
   using index_type =
-      std::map<std::string_view, sp, name_order, pool_allocator<std::pair<std::string_view const, sp>>>;
+      std::map<std::string, sp, name_order, pool_allocator<std::pair<std::string const, sp>>>;
   // An empty index drawing on this tree's pool.
   index_type new_index() const { return index_type(name_order(), index_type::allocator_type(pool())); }
   // Replaces all properties with `props` (made for this tree, names unique).
@@ -90,7 +90,7 @@ class fs_property_tree_base_impl
   exception_interface* i_assign(fs_property_tree const* other) override;
 
   // The UTF-8 XML document of this tree.
-  std::string serialize_utf8() const;
+  text_buffer serialize_utf8() const;
 
  protected:
   fs_property_tree_property* null_element() const override;

@@ -53,10 +53,10 @@ void check_wide(wchar_t const* text, std::size_t size) {
   }
 }
 
-// The printer's output iterator: writes into a string grown by doubling,
-// keeping the write position in the iterator (the printer passes its
-// iterator along by value and takes it back from every call), so that a
-// character costs a compare and a store instead of a push_back.
+// The printer's output iterator: writes into a buffer grown by doubling
+// (never zero-filled), keeping the write position in the iterator (the
+// printer passes its iterator along by value and takes it back from every
+// call), so that a character costs a compare and a store.
 class print_cursor {
  public:
   using iterator_category = std::output_iterator_tag;
@@ -65,9 +65,9 @@ class print_cursor {
   using pointer = void;
   using reference = void;
 
-  explicit print_cursor(std::string& text) : text_(&text), p_(&text[0]), end_(p_ + text.size()) {}
-  // The characters written so far; the string is cut to them.
-  void finish() { text_->resize(static_cast<std::size_t>(p_ - &(*text_)[0])); }
+  explicit print_cursor(text_buffer& text) : text_(&text), p_(text.data), end_(text.data + text.capacity) {}
+  // The characters written so far become the buffer's size.
+  void finish() { text_->size = static_cast<std::size_t>(p_ - text_->data); }
 
   // "*out = c; ++out" writes at the position, then moves on.
   print_cursor& operator*() { return *this; }
@@ -99,13 +99,13 @@ class print_cursor {
  private:
   void room() {
     if (p_ != end_) return;
-    std::size_t used = static_cast<std::size_t>(p_ - &(*text_)[0]);
-    text_->resize(std::max<std::size_t>(text_->size() * 2, 4096));
-    p_ = &(*text_)[0] + used;
-    end_ = &(*text_)[0] + text_->size();
+    std::size_t used = static_cast<std::size_t>(p_ - text_->data);
+    text_->grow(std::max<std::size_t>(text_->capacity * 2, 4096));
+    p_ = text_->data + used;
+    end_ = text_->data + text_->capacity;
   }
 
-  std::string* text_;
+  text_buffer* text_;
   char* p_;
   char* end_;
 };
@@ -176,20 +176,20 @@ fs_property_tree_base_impl::load_fields(xml_node* node) {
         node->remove_node(sibling);
       }
     }
-    index.emplace_hint(slot, std::string_view(property->name_string()), property);
+    index.emplace_hint(slot, property->name_string(), property);
     props.push_back(std::move(property));
   }
   return {std::move(props), std::move(index)};
 }
 
-std::string fs_property_tree_base_impl::serialize_utf8() const {
+text_buffer fs_property_tree_base_impl::serialize_utf8() const {
   char const* root_name = *name() != '\0' ? name() : "null_tree";
   xml_document doc;
   xml_node* root =
       doc.allocate_node(rapidxml::node_element, root_name, nullptr, std::strlen(root_name), 0);
   doc.append_node(root);
   serialize_fields(doc, root);
-  std::string text(4096, '\0');
+  text_buffer text;
   print_cursor out(text);
   out = rapidxml::print(out, doc, 0);
   out.finish();
@@ -208,9 +208,9 @@ exception_interface* fs_property_tree_base_impl::i_serialize_txt(
     text_interface<wchar_t>** out) const {
   return guard([&] {
     text_interface<wchar_t>*& result = out_param(out);
-    std::string utf8 = serialize_utf8();
+    text_buffer utf8 = serialize_utf8();
     wcstring wide;
-    wide.assign(utf8.data(), utf8.size(), cstring::UTF8);
+    wide.assign(utf8.data, utf8.size, cstring::UTF8);
     result = new text_impl<wchar_t>(std::move(static_cast<std::wstring&>(wide)));
   });
 }

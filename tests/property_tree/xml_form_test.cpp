@@ -142,9 +142,9 @@ TEST_P(BadInput, GivesTheExceptionObjectAndNoTree) {
   EXPECT_EQ(tree->at(0).at(0).get_lng_val(), 1);
 }
 
-std::string nested(int levels) {
+std::string nested(int levels, char const* open = "<a>") {
   std::string s;
-  for (int i = 0; i < levels; ++i) s += "<a>";
+  for (int i = 0; i < levels; ++i) s += open;
   for (int i = 0; i < levels; ++i) s += "</a>";
   return s;
 }
@@ -178,6 +178,9 @@ char const* const lexical = "bad lexical cast: source type value could not be in
 
 bad_case const content[] = {
     {"deep nesting", "<r>" + nested(5000) + "</r>",
+     "XML elements nested deeper than 512 levels are not supported"},
+    {"deep nesting behind brackets in attribute values",
+     "<r>" + nested(5000, "<a x=\"/>\" y='>'>") + "</r>",
      "XML elements nested deeper than 512 levels are not supported"},
     {"deep trees within the element limit", "<r>" + nested(300) + "</r>",
      "property trees nested deeper than 256 levels are not supported"},
@@ -213,6 +216,21 @@ bad_case const content[] = {
     {"NUL character", "<r><a>x&#0;y</a></r>", "text value contains a NUL character"},
 };
 INSTANTIATE_TEST_SUITE_P(Content, BadInput, ::testing::ValuesIn(content));
+
+// Only open elements count towards the nesting limit: empty elements,
+// brackets inside quoted attribute values and in text, comments and
+// processing instructions do not.
+TEST(XmlDepth, OnlyOpenElementsCount) {
+  std::string text = "<?xml version=\"1.0\"?><r>";
+  for (int i = 0; i < 1000; ++i) {
+    std::string n = "e" + std::to_string(i);
+    text += "<" + n + " note=\"<a>\" other='<b x=\"1\">'/><!-- <c> -->";
+  }
+  text += "<t>a &lt; b > c \" '</t>" + nested(200) + "</r>";
+  fs_property_tree_ptr tree = fs_property_tree_load_utf8(text.c_str());
+  EXPECT_EQ(1002u, tree->size());
+  EXPECT_STREQ(L"a < b > c \" '", tree->get_property("t").at(0).get_str_val());
+}
 
 TEST(XmlForm, InvalidWideTextIsRefused) {
   fs_property_tree* out = nullptr;
