@@ -78,9 +78,10 @@ struct text_buffer {
   std::size_t size = 0;
   std::size_t capacity = 0;
 
+  // Keeps the `size` characters written so far.
   void grow(std::size_t new_capacity) {
     std::unique_ptr<char[]> bigger(new char[new_capacity]);
-    if (capacity != 0) std::memcpy(bigger.get(), data, std::min(capacity, new_capacity));
+    if (size != 0) std::memcpy(bigger.get(), data, std::min(size, new_capacity));
     storage = std::move(bigger);
     data = storage.get();
     capacity = new_capacity;
@@ -95,7 +96,7 @@ class text_impl final : public text_interface<Ch> {
   explicit text_impl(text_buffer&& text)
       : buffer_(std::move(text.storage)), data_(buffer_.get()), size_(text.size) {}
   void destroy() noexcept override { delete this; }
-  Ch const* data() const noexcept override { return data_ != nullptr ? data_ : text_.data(); }
+  Ch const* data() const noexcept override { return data_; }
   std::size_t size() const noexcept override { return size_; }
 
  private:

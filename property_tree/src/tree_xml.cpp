@@ -99,9 +99,9 @@ class print_cursor {
  private:
   void room() {
     if (p_ != end_) return;
-    std::size_t used = static_cast<std::size_t>(p_ - text_->data);
+    text_->size = static_cast<std::size_t>(p_ - text_->data);
     text_->grow(std::max<std::size_t>(text_->capacity * 2, 4096));
-    p_ = text_->data + used;
+    p_ = text_->data + text_->size;
     end_ = text_->data + text_->capacity;
   }
 
