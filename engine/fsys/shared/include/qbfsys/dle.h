@@ -92,6 +92,7 @@ struct GENERIC_DLE {
   std::uint8_t qbdsVer;
   std::uint32_t feature1;           // first feature word
   std::uint32_t feature2;           // second feature word
+  std::uint32_t date_conversion_off; // non-zero: FS_CreateGenDBLK keeps media dates as they are
   std::uint32_t alt_name_owned;     // non-zero: alt_name is freed with the element
   wchar_t* alt_name;                // alternate (display) name
   DLE_UNSELECT_RECORD* unselect;    // owned, may be null
