@@ -7,7 +7,7 @@
 // - when the buffer cannot grow, the old buffer and what it holds are kept,
 //   so the caller may offer the same piece again;
 // - a stream longer than the 16-bit count can follow, or a block that claims
-//   more gathered bytes than the stream has, is refused before anything is
+//   more gathered bytes than the stream has or the handle holds, is refused before anything is
 //   copied, instead of wrapping the count and mixing up the name.
 // The decrypted-name buffer is grown here too, to the gathered size plus a
 // terminator: the cipher keeps a name's length, so that always suffices.
@@ -56,7 +56,9 @@ FS_STATUS FS_FillBufferWithStream(FSYS_HAND_STRUCT* hand, DBLK* blk, unsigned ch
   std::uint32_t const size = static_cast<std::uint32_t>(hand->currentStream.size);
   std::uint32_t const buffered = blk->strm_buffered;
   if (size > kLongestGathered) return FS_ERR_NAME_TOO_LONG;
-  if (buffered > size) return FS_ERR_BAD_PARAMETER;
+  // A block may only claim bytes that were gathered into this handle.
+  if (buffered > size || buffered > hand->nameBufCap || (buffered > 0 && hand->nameBuf == nullptr))
+    return FS_ERR_BAD_PARAMETER;
 
   std::uint32_t const want = size - buffered;
   std::uint32_t const take = want < offered ? want : offered;

@@ -76,7 +76,7 @@ FS_EXPORT wchar_t const* FS_GetStrmIdString(unsigned int id);
 //   count can follow (above 65,535 bytes); nothing taken;
 // - FS_ERR_BAD_PARAMETER: a null handle, block or `len`, null data with a
 //   non-zero offer, or a block that claims more gathered bytes than the
-//   stream has; nothing taken.
+//   stream has or the handle's name buffer holds; nothing taken.
 FS_EXPORT FS_STATUS FS_FillBufferWithStream(FSYS_HAND_STRUCT* hand, DBLK* blk,
                                             unsigned char* data, unsigned int* len,
                                             STREAM_INFO* header);

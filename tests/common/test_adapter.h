@@ -21,10 +21,10 @@ struct TestAdapterControl {
   int live = 0;  // adapters made and not yet deleted
 };
 
-class TestAdapter final : public FS_FshBase {
+class TestAdapter : public FS_FshBase {
  public:
   explicit TestAdapter(TestAdapterControl* control) : control_(control) { ++control_->live; }
-  ~TestAdapter() { --control_->live; }
+  virtual ~TestAdapter() { --control_->live; }
 
   FS_STATUS AttachToDLE(FSYS_HAND_STRUCT*, GENERIC_DLE*, wchar_t*, wchar_t*) override {
     ++control_->attaches;
