@@ -29,7 +29,8 @@ constexpr std::uint32_t FS_MAX_NAME_BYTES = 32767;
 // first. Statuses: FS_SUCCESS; FS_ERR_NAME_TOO_LONG when the name's byte
 // count (after widening) exceeds FS_MAX_NAME_BYTES; FS_ERR_BAD_PARAMETER for
 // a null handle or block, or an allocation size smaller than the name (the
-// name would not fit; refused rather than cut); FS_ERR_NO_MEMORY.
+// name would not fit; refused rather than cut) or above FS_MAX_NAME_BYTES;
+// FS_ERR_NO_MEMORY.
 FS_EXPORT FS_STATUS FS_SetupOSPathOrNameInDBLK(FSYS_HAND_STRUCT* hand, DBLK* blk,
                                                unsigned char* name, std::uint16_t size,
                                                std::uint16_t allocSize);
