@@ -9,21 +9,21 @@
 #include <qbfsys/handles.h>
 #include <qbfsys/name_pool.h>
 
+#include "fs_dispatch.h"
+
 FS_STATUS FS_CloseFileSys(FSYS_HAND_STRUCT* hand) {
   if (hand == nullptr) return FS_ERR_INVALID_HANDLE;
 
   FS_FreeOSPathOrNameQueueInHand(hand);
 
+  // A still-bound handle tells its table that it goes (the adapter is
+  // closed just below and learns it there). The result is deliberately not
+  // looked at: the handle goes anyway.
   _FUNC_LIST* table = hand->funcTable;
   if (hand->dle != nullptr && table != nullptr && table->DetachDLE != nullptr)
-    table->DetachDLE(hand, nullptr, nullptr);  // result deliberately not looked at
-
-  FS_STATUS result = FS_SUCCESS;
-  if (hand->adapter != nullptr) {
-    result = hand->adapter->CloseSys(hand);
-  } else if (table != nullptr && table->CloseSys != nullptr) {
-    result = table->CloseSys(hand);
-  }
+    table->DetachDLE(hand, nullptr, nullptr);
+  FS_STATUS const result =
+      fsys::dispatch(hand, &FS_FshBase::CloseSys, &_FUNC_LIST::CloseSys, FS_SUCCESS);
 
   if (FSYS_HAND_STRUCT* previous = hand->previousState) {
     hand->previousState = nullptr;

@@ -13,6 +13,8 @@
 #include <qbfsys/handles.h>
 #include <qbhost/zprintf.h>
 
+#include "fs_dispatch.h"
+
 FS_STATUS FS_DetachDLE(FSYS_HAND_STRUCT* hand, void* arg, void** result) {
   FS_STATUS status = FS_ERR_NOT_ATTACHED;
 
@@ -21,20 +23,16 @@ FS_STATUS FS_DetachDLE(FSYS_HAND_STRUCT* hand, void* arg, void** result) {
     if (wchar_t const* name = DLE_DisplayName(dle)) QB_Zprintf(0, L"Detach from: %ls", name);
 
     if (_FILE_HAND_STRUCT* obj = hand->objHand) {
-      if (obj->stage != nullptr) {
-        std::free(obj->stage);
-        obj->stage = nullptr;
+      if (obj->stageBuf != nullptr) {
+        std::free(obj->stageBuf);
+        obj->stageBuf = nullptr;
         obj->stageCap = 0;
       }
     }
 
-    if (hand->adapter != nullptr) {
-      status = hand->adapter->DetachDLE(hand, arg, result);
-    } else if (hand->funcTable != nullptr && hand->funcTable->DetachDLE != nullptr) {
-      status = hand->funcTable->DetachDLE(hand, arg, result);
-    } else {
-      status = FS_SUCCESS;
-    }
+    // Without a detach operation there is nothing to undo.
+    status = fsys::dispatch(hand, &FS_FshBase::DetachDLE, &_FUNC_LIST::DetachDLE, FS_SUCCESS, arg,
+                            result);
     // The file system wants the caller to read its message first: the handle
     // stays attached and allocated.
     if (status == FS_STATUS_EXT_ERROR) return status;

@@ -6,6 +6,8 @@
 #include <qbfsys/handles.h>
 #include <qbhost/zprintf.h>
 
+#include "fs_dispatch.h"
+
 namespace fsys {
 
 // The current path of a freshly bound handle is the root, "\".
@@ -18,8 +20,7 @@ inline void set_root_path(FSYS_HAND_STRUCT* hand) {
 
 // True when neither the adapter nor the table can attach.
 inline bool cannot_attach(FSYS_HAND_STRUCT const* hand) {
-  return hand->adapter == nullptr &&
-         (hand->funcTable == nullptr || hand->funcTable->AttachToDLE == nullptr);
+  return !can_dispatch(hand, &_FUNC_LIST::AttachToDLE);
 }
 
 // True (after saying so) when the host's IPC channel was not opened.
@@ -32,8 +33,8 @@ inline bool ipc_failed(FSYS_HAND_STRUCT const* hand) {
 // The file system's attach, through the adapter when one is set.
 inline FS_STATUS call_attach(FSYS_HAND_STRUCT* hand, GENERIC_DLE* dle, wchar_t* user,
                              wchar_t* password) {
-  if (hand->adapter != nullptr) return hand->adapter->AttachToDLE(hand, dle, user, password);
-  return hand->funcTable->AttachToDLE(hand, dle, user, password);
+  return dispatch(hand, &FS_FshBase::AttachToDLE, &_FUNC_LIST::AttachToDLE, FS_ERR_UNIMPLEMENTED,
+                  dle, user, password);
 }
 
 // Counts a successful binding on the DLE and says so.

@@ -3,6 +3,7 @@
 #pragma once
 #include <utility>
 
+#include <qbfsys/file_hand.h>
 #include <qbfsys/fs_fsh_base.h>
 #include <qbfsys/func_list.h>
 #include <qbfsys/handles.h>
@@ -27,6 +28,22 @@ Result dispatch(FSYS_HAND_STRUCT* hand, Result (FS_FshBase::*op)(FSYS_HAND_STRUC
   if (hand->adapter != nullptr) return (hand->adapter->*op)(hand, std::forward<Args>(args)...);
   if (hand->funcTable == nullptr || hand->funcTable->*slot == nullptr) return absent;
   return (hand->funcTable->*slot)(hand, std::forward<Args>(args)...);
+}
+
+}  // namespace fsys
+
+namespace fsys {
+
+// The same for object operations: the road is the one of the object's
+// owning handle, and the object handle is passed first.
+template <typename Result, typename... Params, typename Slot, typename... Args>
+Result dispatch_object(_FILE_HAND_STRUCT* obj,
+                       Result (FS_FshBase::*op)(_FILE_HAND_STRUCT*, Params...),
+                       Slot _FUNC_LIST::*slot, Result absent, Args&&... args) {
+  FSYS_HAND_STRUCT* hand = obj->fsysHand;
+  if (hand->adapter != nullptr) return (hand->adapter->*op)(obj, std::forward<Args>(args)...);
+  if (hand->funcTable == nullptr || hand->funcTable->*slot == nullptr) return absent;
+  return (hand->funcTable->*slot)(obj, std::forward<Args>(args)...);
 }
 
 }  // namespace fsys

@@ -90,12 +90,12 @@ TEST_F(HandleTest, DetachFreesTheObjectHandlesStagingBuffer) {
   FSYS_HAND_STRUCT* hand = nullptr;
   ASSERT_EQ(attach(&hand, dle), FS_SUCCESS);
   _FILE_HAND_STRUCT object{};
-  object.fsh = hand;
-  object.stage = static_cast<unsigned char*>(std::malloc(4096));
+  object.fsysHand = hand;
+  object.stageBuf = static_cast<unsigned char*>(std::malloc(4096));
   object.stageCap = 4096;
   hand->objHand = &object;
   EXPECT_EQ(FS_DetachDLE(hand), FS_SUCCESS);
-  EXPECT_EQ(object.stage, nullptr);
+  EXPECT_EQ(object.stageBuf, nullptr);
   EXPECT_EQ(object.stageCap, 0u);
 }
 
