@@ -101,27 +101,28 @@ ZYM_ENCRYPTION_CONTEXT* new_cipher() {
   return ZymCreateContext(key, sizeof key, nullptr, 0);
 }
 
+void put_u32(std::vector<unsigned char>& out, std::size_t at, std::uint32_t value) {
+  for (std::size_t i = 0; i < 4; ++i) out[at + i] = static_cast<unsigned char>(value >> (8 * i));
+}
+
 // A name stream: header, optional IV, payload.
 std::vector<unsigned char> frame(std::vector<unsigned char> const& payload, std::uint8_t flags,
                                  std::vector<unsigned char> const& iv) {
-  std::vector<unsigned char> out(FS_NAME_STREAM_HEADER, 0x5A);
-  std::uint32_t declared = static_cast<std::uint32_t>(payload.size());
-  if (flags != 0) declared += FS_NAME_STREAM_IV_LENGTH + static_cast<std::uint32_t>(iv.size());
-  std::memcpy(&out[FS_NAME_STREAM_LENGTH_AT], &declared, 4);
+  std::size_t const iv_part = flags != 0 ? FS_NAME_STREAM_IV_LENGTH + iv.size() : 0;
+  std::vector<unsigned char> out(FS_NAME_STREAM_HEADER + iv_part + payload.size(), 0x5A);
+  put_u32(out, FS_NAME_STREAM_LENGTH_AT, static_cast<std::uint32_t>(iv_part + payload.size()));
   out[FS_NAME_STREAM_FLAGS_AT] = flags;
   if (flags != 0) {
-    std::uint32_t const iv_size = static_cast<std::uint32_t>(iv.size());
-    out.insert(out.end(), reinterpret_cast<unsigned char const*>(&iv_size),
-               reinterpret_cast<unsigned char const*>(&iv_size) + 4);
-    out.insert(out.end(), iv.begin(), iv.end());
+    put_u32(out, FS_NAME_STREAM_HEADER, static_cast<std::uint32_t>(iv.size()));
+    std::copy(iv.begin(), iv.end(), out.begin() + FS_NAME_STREAM_HEADER + FS_NAME_STREAM_IV_LENGTH);
   }
-  out.insert(out.end(), payload.begin(), payload.end());
+  std::copy(payload.begin(), payload.end(), out.end() - static_cast<long>(payload.size()));
   return out;
 }
 
 std::vector<unsigned char> raw_header(std::uint32_t declared, std::uint8_t flags, std::size_t total) {
   std::vector<unsigned char> out(total, 0);
-  std::memcpy(&out[FS_NAME_STREAM_LENGTH_AT], &declared, 4);
+  put_u32(out, FS_NAME_STREAM_LENGTH_AT, declared);
   out[FS_NAME_STREAM_FLAGS_AT] = flags;
   return out;
 }
@@ -137,10 +138,10 @@ struct HostileCase {
 TEST(NameStream, HostileLengthsNeverReachPastTheBuffers) {
   auto lying_iv = raw_header(40, FS_NAME_STREAM_IV_V1, 64);
   std::uint32_t const iv_too_long = 1000;
-  std::memcpy(&lying_iv[24], &iv_too_long, 4);
+  put_u32(lying_iv, FS_NAME_STREAM_HEADER, iv_too_long);
   auto wrapping_iv = raw_header(40, FS_NAME_STREAM_IV_V2, 64);
   std::uint32_t const iv_wraps = 0xFFFFFFFF;
-  std::memcpy(&wrapping_iv[24], &iv_wraps, 4);
+  put_u32(wrapping_iv, FS_NAME_STREAM_HEADER, iv_wraps);
   HostileCase const cases[] = {
       {"23 bytes", std::vector<unsigned char>(23, 1), 64, FS_SUCCESS, 0xFFFFFFFF},
       {"payload still to come", raw_header(10, 0, 30), 64, FS_SUCCESS, 34},
