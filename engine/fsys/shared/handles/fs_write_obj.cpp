@@ -108,23 +108,33 @@ namespace fsys {
 
 FS_STATUS flush_staged_writes(_FILE_HAND_STRUCT* obj) {
   if (obj->stageMode != FS_STAGE_WRITING) return FS_SUCCESS;
-  FS_STATUS status = FS_SUCCESS;
-  while (obj->stagePos > 0 && status == FS_SUCCESS) {
+  while (obj->stagePos > 0) {
     unsigned int taken = obj->stagePos;
     unsigned int need = kNoMinimum;
     STREAM_INFO no_header{};
-    status = module_write(obj, obj->stageBuf, &taken, &need, &no_header);
+    FS_STATUS status = module_write(obj, obj->stageBuf, &taken, &need, &no_header);
+    // A deferring module wants no more of this stream: the rest is dropped.
     if (status == FS_STATUS_OBJ_DEFERRED) break;
-    if (status == FS_SUCCESS && (taken == 0 || taken > obj->stagePos))
-      status = taken == 0 ? FS_ERR_OBJ_INCOMPLETE : FS_ERR_OBJ_OVERRUN;
-    if (status != FS_SUCCESS) break;
+    if (taken > obj->stagePos) {
+      QB_Zprintf(0, L"FS_WriteObj returned more than expected");
+      status = FS_ERR_OBJ_OVERRUN;
+      taken = 0;
+    } else if (status == FS_SUCCESS && taken == 0) {
+      status = FS_ERR_OBJ_INCOMPLETE;
+    }
     std::memmove(obj->stageBuf, obj->stageBuf + taken, obj->stagePos - taken);
     obj->stagePos -= taken;
+    if (status != FS_SUCCESS) {
+      // The rest stays staged and is offered first by the next call.
+      obj->stageCount = obj->stagePos;
+      if (obj->stagePos == 0) obj->stageMode = FS_STAGE_IDLE;
+      return status;
+    }
   }
   obj->stagePos = 0;
   obj->stageCount = 0;
   obj->stageMode = FS_STAGE_IDLE;
-  return status == FS_STATUS_OBJ_DEFERRED ? FS_SUCCESS : status;
+  return FS_SUCCESS;
 }
 
 }  // namespace fsys
