@@ -18,3 +18,58 @@ FS_EXPORT FS_STATUS GEN_RemoveDLE(GENERIC_DLE* dle);
 // Frees the top-level elements of file system `fsIndex` that are not
 // attached, with their children, unless one of the children is attached.
 FS_EXPORT void GEN_FlushDLEs(HEAD_DLE* head, unsigned char fsIndex);
+
+// ---- GEN block fields ------------------------------------------------------
+// The generic file system's answers for its own directory and file blocks
+// (the per-kind area GEN_DBLK_AREA of qbfsys/dblk.h). `direction` 0 reads
+// into the given record, anything else writes from it. A null handle is
+// accepted (the fields live in the block); a null block or output is
+// refused with FS_ERR_BAD_PARAMETER.
+
+// Attribute words 1 and 2. Return 0.
+FS_EXPORT FS_STATUS GEN_ModAttrib1DBLK(FSYS_HAND_STRUCT* hand, int direction, DBLK* blk,
+                                       unsigned int* word);
+FS_EXPORT FS_STATUS GEN_ModAttrib2DBLK(FSYS_HAND_STRUCT* hand, int direction, DBLK* blk,
+                                       unsigned int* word);
+// The display size, low 32 bits (the result is a status word); 0 for null.
+FS_EXPORT FS_STATUS GEN_GetDisplaySizeDBLK(FSYS_HAND_STRUCT* hand, DBLK* blk);
+// Copy the creation or modification date out. Return 0.
+FS_EXPORT FS_STATUS GEN_GetCdateDBLK(FSYS_HAND_STRUCT* hand, DBLK* blk, _DATE_TIME* date);
+FS_EXPORT FS_STATUS GEN_GetMdateDBLK(FSYS_HAND_STRUCT* hand, DBLK* blk, _DATE_TIME* date);
+// Read or write the backup or access date. Return 0.
+FS_EXPORT FS_STATUS GEN_ModBdateDBLK(FSYS_HAND_STRUCT* hand, int direction, DBLK* blk,
+                                     _DATE_TIME* date);
+FS_EXPORT FS_STATUS GEN_ModAdateDBLK(FSYS_HAND_STRUCT* hand, int direction, DBLK* blk,
+                                     _DATE_TIME* date);
+// Stores file version 0. Returns 0.
+FS_EXPORT FS_STATUS GEN_GetFileVerFDB(FSYS_HAND_STRUCT* hand, DBLK* blk, unsigned int* version);
+// The size in bytes of the OS name element of a directory or file block; 0
+// for other kinds or without a name.
+FS_EXPORT FS_STATUS GEN_SizeofOSName(FSYS_HAND_STRUCT* hand, DBLK* blk, bool withPath);
+// os_info_size when os_info is set, else 0.
+FS_EXPORT FS_STATUS GEN_SizeofOSInfo(FSYS_HAND_STRUCT* hand, DBLK* blk);
+// Copies the OS-info data into `buffer` and stores its size in `*size`
+// (which holds the buffer's capacity on entry); stores 0 when there is none.
+// Returns 0, or FS_ERR_OBJ_NO_DATA (nothing copied) when the capacity is
+// smaller than the data.
+FS_EXPORT FS_STATUS GEN_GetOS_InfoDBLK(FSYS_HAND_STRUCT* hand, DBLK* blk, unsigned char* buffer,
+                                       short* size);
+// GEN_DBLK_ACTUAL_SIZE (336) for every block.
+FS_EXPORT FS_STATUS GEN_GetActualSizeDBLK(FSYS_HAND_STRUCT* hand, DBLK* blk);
+// 1: a GEN directory block needs no processing.
+FS_EXPORT FS_STATUS GEN_ProcessDDB(FSYS_HAND_STRUCT* hand, DBLK* blk);
+// Nothing to close. Returns 0.
+FS_EXPORT FS_STATUS GEN_FindClose(FSYS_HAND_STRUCT* hand, DBLK* blk);
+// No exclusion. Returns 0.
+FS_EXPORT FS_STATUS GEN_SpecExcludeObj(FSYS_HAND_STRUCT* hand, DBLK* directory, DBLK* blk,
+                                       unsigned int flags);
+// 1 for volume/set and corrupt-file blocks and cluster blocks, else 1
+// exactly when the block has its OS name; 0 for a null block.
+FS_EXPORT FS_STATUS GEN_IsBlkComplete(FSYS_HAND_STRUCT* hand, DBLK* blk);
+// Gathers a piece of the block's name stream (FS_FillBufferWithStream);
+// when the stream completes, the gathered (or decrypted) name becomes the
+// block's OS name. Returns FS_FillBufferWithStream's status until then,
+// then the name set-up's status; FS_ERR_NO_MEMORY for a completed stream
+// longer than 32 bits.
+FS_EXPORT FS_STATUS GEN_CompleteBlk(FSYS_HAND_STRUCT* hand, DBLK* blk, unsigned char* data,
+                                    unsigned int* size, STREAM_INFO* header);

@@ -13,7 +13,8 @@
 //   machine.h        machine and device-name resolution, the tree dump
 //   handles.h        file-system handles and last error
 //   fs_fsh_base.h    FS_FshBase, a handle's adapter interface
-//   file_hand.h      _FILE_HAND_STRUCT, one open object
+//   fs_fsh_gen.h, fs_fsh_legacy.h, fs_fsh_generic.h  the adapter classes
+//   file_hand.h      _FILE_HAND_STRUCT and object I/O
 //   dblk.h           DBLK, the descriptor block
 //   create_dblk.h    creation requests, FS_SetDefaultDBLK, FS_CreateGenDBLK
 //   dblk_access.h    attribute, OS-info and delimiter accessors
@@ -39,6 +40,9 @@
 #include <qbfsys/machine.h>
 #include <qbfsys/handles.h>
 #include <qbfsys/fs_fsh_base.h>
+#include <qbfsys/fs_fsh_gen.h>
+#include <qbfsys/fs_fsh_legacy.h>
+#include <qbfsys/fs_fsh_generic.h>
 #include <qbfsys/file_hand.h>
 #include <qbfsys/dblk.h>
 #include <qbfsys/create_dblk.h>
