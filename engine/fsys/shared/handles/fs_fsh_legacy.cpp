@@ -40,7 +40,8 @@ FS_STATUS FS_FshLegacy::CloseSys(FSYS_HAND_STRUCT* hand) {
   return result;
 }
 
-FS_STATUS FS_FshLegacy::AttachToDLE(FSYS_HAND_STRUCT* hand, GENERIC_DLE* dle, wchar_t* user, wchar_t* password) {
+FS_STATUS FS_FshLegacy::AttachToDLE(FSYS_HAND_STRUCT* hand, GENERIC_DLE* dle, wchar_t* user,
+                                    wchar_t* password) {
   _FUNC_LIST const* table = table_of(hand);
   if (table == nullptr || table->AttachToDLE == nullptr) return FS_ERR_UNIMPLEMENTED;
   return table->AttachToDLE(hand, dle, user, password);  // slot 15
@@ -66,15 +67,19 @@ FS_STATUS FS_FshLegacy::IsBlkComplete(FSYS_HAND_STRUCT* hand, DBLK* blk) {
   return table->IsBlkComplete(hand, blk);  // slot 11
 }
 
-FS_STATUS FS_FshLegacy::CompleteBLK(FSYS_HAND_STRUCT* hand, DBLK* blk, unsigned char* buffer, unsigned int* value, STREAM_INFO* header) {
-  if (hand == nullptr || blk == nullptr || buffer == nullptr || value == nullptr || header == nullptr) return bad_parameter(line_of(7), FS_ERR_BAD_PARAMETER);
+FS_STATUS FS_FshLegacy::CompleteBLK(FSYS_HAND_STRUCT* hand, DBLK* blk, unsigned char* buffer,
+                                    unsigned int* value, STREAM_INFO* header) {
+  if (hand == nullptr || blk == nullptr || buffer == nullptr || value == nullptr ||
+      header == nullptr)
+    return bad_parameter(line_of(7), FS_ERR_BAD_PARAMETER);
   _FUNC_LIST const* table = table_of(hand);
   if (table == nullptr || table->CompleteBLK == nullptr) return FS_ERR_UNIMPLEMENTED;
   return table->CompleteBLK(hand, blk, buffer, value, header);  // slot 12
 }
 
 FS_STATUS FS_FshLegacy::DupBlk(FSYS_HAND_STRUCT* hand, DBLK* blk, DBLK* blk2) {
-  if (hand == nullptr || blk == nullptr || blk2 == nullptr) return bad_parameter(line_of(8), FS_ERR_BAD_PARAMETER);
+  if (hand == nullptr || blk == nullptr || blk2 == nullptr)
+    return bad_parameter(line_of(8), FS_ERR_BAD_PARAMETER);
   _FUNC_LIST const* table = table_of(hand);
   if (table == nullptr || table->DupBlk == nullptr) return FS_ERR_UNIMPLEMENTED;
   return table->DupBlk(hand, blk, blk2);  // slot 13
@@ -101,7 +106,8 @@ FS_STATUS FS_FshLegacy::GetCurrentDDB(FSYS_HAND_STRUCT* hand, DBLK* blk) {
 }
 
 FS_STATUS FS_FshLegacy::GetCurrentPath(FSYS_HAND_STRUCT* hand, wchar_t* text, short* size) {
-  if (hand == nullptr || text == nullptr || size == nullptr) return bad_parameter(line_of(12), FS_ERR_BAD_PARAMETER);
+  if (hand == nullptr || text == nullptr || size == nullptr)
+    return bad_parameter(line_of(12), FS_ERR_BAD_PARAMETER);
   _FUNC_LIST const* table = table_of(hand);
   if (table == nullptr || table->GetCurrentPath == nullptr) return FS_ERR_UNIMPLEMENTED;
   return table->GetCurrentPath(hand, text, size);  // slot 19
@@ -119,13 +125,15 @@ FS_STATUS FS_FshLegacy::ChangeDirUp(FSYS_HAND_STRUCT* hand) {
   return table->ChangeDirUp(hand);  // slot 21
 }
 
-FS_STATUS FS_FshLegacy::CreateObj(FSYS_HAND_STRUCT* hand, DBLK* blk, wchar_t const* text, RESTORE_SEMANTICS semantics) {
+FS_STATUS FS_FshLegacy::CreateObj(FSYS_HAND_STRUCT* hand, DBLK* blk, wchar_t const* text,
+                                  RESTORE_SEMANTICS semantics) {
   _FUNC_LIST const* table = table_of(hand);
   if (table == nullptr || table->CreateObj == nullptr) return FS_ERR_UNIMPLEMENTED;
   return table->CreateObj(hand, blk, text, semantics);  // slot 22
 }
 
-FS_STATUS FS_FshLegacy::OpenObj(FSYS_HAND_STRUCT* hand, _FILE_HAND_STRUCT** out, DBLK* blk, OPEN_MODE mode) {
+FS_STATUS FS_FshLegacy::OpenObj(FSYS_HAND_STRUCT* hand, _FILE_HAND_STRUCT** out, DBLK* blk,
+                                OPEN_MODE mode) {
   _FUNC_LIST const* table = table_of(hand);
   if (table == nullptr || table->OpenObj == nullptr) return FS_ERR_UNIMPLEMENTED;
   return table->OpenObj(hand, out, blk, mode);  // slot 23
@@ -137,13 +145,15 @@ FS_STATUS FS_FshLegacy::SeekObj(_FILE_HAND_STRUCT* obj, unsigned int* value) {
   return table->SeekObj(obj, value);  // slot 24
 }
 
-FS_STATUS FS_FshLegacy::ReadObj(_FILE_HAND_STRUCT* obj, unsigned char* buffer, unsigned int* value, unsigned int* value2, STREAM_INFO* header) {
+FS_STATUS FS_FshLegacy::ReadObj(_FILE_HAND_STRUCT* obj, unsigned char* buffer, unsigned int* value,
+                                unsigned int* value2, STREAM_INFO* header) {
   _FUNC_LIST const* table = table_of(obj);
   if (table == nullptr || table->ReadObj == nullptr) return FS_ERR_UNIMPLEMENTED;
   return table->ReadObj(obj, buffer, value, value2, header);  // slot 25
 }
 
-FS_STATUS FS_FshLegacy::WriteObj(_FILE_HAND_STRUCT* obj, unsigned char* buffer, unsigned int* value, unsigned int* value2, STREAM_INFO* header) {
+FS_STATUS FS_FshLegacy::WriteObj(_FILE_HAND_STRUCT* obj, unsigned char* buffer, unsigned int* value,
+                                 unsigned int* value2, STREAM_INFO* header) {
   _FUNC_LIST const* table = table_of(obj);
   if (table == nullptr || table->WriteObj == nullptr) return FS_ERR_UNIMPLEMENTED;
   return table->WriteObj(obj, buffer, value, value2, header);  // slot 26
@@ -167,7 +177,8 @@ FS_STATUS FS_FshLegacy::GetObjInfo(FSYS_HAND_STRUCT* hand, DBLK* blk) {
   return table->GetObjInfo(hand, blk);  // slot 29
 }
 
-FS_STATUS FS_FshLegacy::FindFirstObj(FSYS_HAND_STRUCT* hand, DBLK* blk, wchar_t* text, unsigned short flags) {
+FS_STATUS FS_FshLegacy::FindFirstObj(FSYS_HAND_STRUCT* hand, DBLK* blk, wchar_t* text,
+                                     unsigned short flags) {
   _FUNC_LIST const* table = table_of(hand);
   if (table == nullptr || table->FindFirstObj == nullptr) return FS_ERR_UNIMPLEMENTED;
   return table->FindFirstObj(hand, blk, text, flags);  // slot 30
@@ -185,7 +196,8 @@ FS_STATUS FS_FshLegacy::PushMinDDB(FSYS_HAND_STRUCT* hand, DBLK* blk) {
   return table->PushMinDDB(hand, blk);  // slot 32
 }
 
-FS_STATUS FS_FshLegacy::MakePushDBLK(FSYS_HAND_STRUCT* hand, DBLK* blk, unsigned int* value, void const* arg) {
+FS_STATUS FS_FshLegacy::MakePushDBLK(FSYS_HAND_STRUCT* hand, DBLK* blk, unsigned int* value,
+                                     void const* arg) {
   _FUNC_LIST const* table = table_of(hand);
   if (table == nullptr || table->MakePushDBLK == nullptr) return FS_ERR_UNIMPLEMENTED;
   return table->MakePushDBLK(hand, blk, value, arg);  // slot 66
@@ -197,49 +209,59 @@ FS_STATUS FS_FshLegacy::PopMinDDB(FSYS_HAND_STRUCT* hand, DBLK* blk) {
   return table->PopMinDDB(hand, blk);  // slot 33
 }
 
-FS_STATUS FS_FshLegacy::GetSpecialDBLKS(FSYS_HAND_STRUCT* hand, DBLK* blk, unsigned int number, int number2) {
+FS_STATUS FS_FshLegacy::GetSpecialDBLKS(FSYS_HAND_STRUCT* hand, DBLK* blk, unsigned int number,
+                                        int number2) {
   _FUNC_LIST const* table = table_of(hand);
   if (table == nullptr || table->GetSpecialDBLKS == nullptr) return FS_ERR_UNIMPLEMENTED;
   return table->GetSpecialDBLKS(hand, blk, number, number2);  // slot 34
 }
 
-FS_STATUS FS_FshLegacy::ModName(FSYS_HAND_STRUCT* hand, int number, DBLK* blk, wchar_t* text, short* size) {
-  if (hand == nullptr || blk == nullptr || text == nullptr || size == nullptr) return bad_parameter(line_of(29), FS_ERR_BAD_PARAMETER);
+FS_STATUS FS_FshLegacy::ModName(FSYS_HAND_STRUCT* hand, int number, DBLK* blk, wchar_t* text,
+                                short* size) {
+  if (hand == nullptr || blk == nullptr || text == nullptr || size == nullptr)
+    return bad_parameter(line_of(29), FS_ERR_BAD_PARAMETER);
   _FUNC_LIST const* table = table_of(hand);
   if (table == nullptr || table->ModName == nullptr) return FS_ERR_UNIMPLEMENTED;
   return table->ModName(hand, number, blk, text, size);  // slot 35
 }
 
 FS_STATUS FS_FshLegacy::GetOSName(FSYS_HAND_STRUCT* hand, DBLK* blk, wchar_t* text, bool flag) {
-  if (hand == nullptr || blk == nullptr || text == nullptr) return bad_parameter(line_of(30), FS_ERR_BAD_PARAMETER);
+  if (hand == nullptr || blk == nullptr || text == nullptr)
+    return bad_parameter(line_of(30), FS_ERR_BAD_PARAMETER);
   _FUNC_LIST const* table = table_of(hand);
   if (table == nullptr || table->GetOSName == nullptr) return FS_ERR_UNIMPLEMENTED;
   return table->GetOSName(hand, blk, text, flag);  // slot 36
 }
 
 FS_STATUS FS_FshLegacy::GetCDateDBLK(FSYS_HAND_STRUCT* hand, DBLK* blk, _DATE_TIME* date) {
-  if (hand == nullptr || blk == nullptr || date == nullptr) return bad_parameter(line_of(31), FS_ERR_BAD_PARAMETER);
+  if (hand == nullptr || blk == nullptr || date == nullptr)
+    return bad_parameter(line_of(31), FS_ERR_BAD_PARAMETER);
   _FUNC_LIST const* table = table_of(hand);
   if (table == nullptr || table->GetCDateDBLK == nullptr) return FS_ERR_UNIMPLEMENTED;
   return table->GetCDateDBLK(hand, blk, date);  // slot 37
 }
 
 FS_STATUS FS_FshLegacy::GetMDateDBLK(FSYS_HAND_STRUCT* hand, DBLK* blk, _DATE_TIME* date) {
-  if (hand == nullptr || blk == nullptr || date == nullptr) return bad_parameter(line_of(32), FS_ERR_BAD_PARAMETER);
+  if (hand == nullptr || blk == nullptr || date == nullptr)
+    return bad_parameter(line_of(32), FS_ERR_BAD_PARAMETER);
   _FUNC_LIST const* table = table_of(hand);
   if (table == nullptr || table->GetMDateDBLK == nullptr) return FS_ERR_UNIMPLEMENTED;
   return table->GetMDateDBLK(hand, blk, date);  // slot 38
 }
 
-FS_STATUS FS_FshLegacy::ModBDateDBLK(FSYS_HAND_STRUCT* hand, int number, DBLK* blk, _DATE_TIME* date) {
-  if (hand == nullptr || blk == nullptr || date == nullptr) return bad_parameter(line_of(33), FS_ERR_BAD_PARAMETER);
+FS_STATUS FS_FshLegacy::ModBDateDBLK(FSYS_HAND_STRUCT* hand, int number, DBLK* blk,
+                                     _DATE_TIME* date) {
+  if (hand == nullptr || blk == nullptr || date == nullptr)
+    return bad_parameter(line_of(33), FS_ERR_BAD_PARAMETER);
   _FUNC_LIST const* table = table_of(hand);
   if (table == nullptr || table->ModBDateDBLK == nullptr) return FS_ERR_UNIMPLEMENTED;
   return table->ModBDateDBLK(hand, number, blk, date);  // slot 39
 }
 
-FS_STATUS FS_FshLegacy::ModADateDBLK(FSYS_HAND_STRUCT* hand, int number, DBLK* blk, _DATE_TIME* date) {
-  if (hand == nullptr || blk == nullptr || date == nullptr) return bad_parameter(line_of(34), FS_ERR_BAD_PARAMETER);
+FS_STATUS FS_FshLegacy::ModADateDBLK(FSYS_HAND_STRUCT* hand, int number, DBLK* blk,
+                                     _DATE_TIME* date) {
+  if (hand == nullptr || blk == nullptr || date == nullptr)
+    return bad_parameter(line_of(34), FS_ERR_BAD_PARAMETER);
   _FUNC_LIST const* table = table_of(hand);
   if (table == nullptr || table->ModADateDBLK == nullptr) return FS_ERR_UNIMPLEMENTED;
   return table->ModADateDBLK(hand, number, blk, date);  // slot 40
@@ -252,15 +274,19 @@ FS_STATUS FS_FshLegacy::GetDisplaySizeDBLK(FSYS_HAND_STRUCT* hand, DBLK* blk) {
   return table->GetDisplaySizeDBLK(hand, blk);  // slot 41
 }
 
-FS_STATUS FS_FshLegacy::ModAttrib1DBLK(FSYS_HAND_STRUCT* hand, int number, DBLK* blk, unsigned int* value) {
-  if (hand == nullptr || blk == nullptr || value == nullptr) return bad_parameter(line_of(36), FS_ERR_BAD_PARAMETER);
+FS_STATUS FS_FshLegacy::ModAttrib1DBLK(FSYS_HAND_STRUCT* hand, int number, DBLK* blk,
+                                       unsigned int* value) {
+  if (hand == nullptr || blk == nullptr || value == nullptr)
+    return bad_parameter(line_of(36), FS_ERR_BAD_PARAMETER);
   _FUNC_LIST const* table = table_of(hand);
   if (table == nullptr || table->ModAttrib1DBLK == nullptr) return FS_ERR_UNIMPLEMENTED;
   return table->ModAttrib1DBLK(hand, number, blk, value);  // slot 42
 }
 
-FS_STATUS FS_FshLegacy::ModAttrib2DBLK(FSYS_HAND_STRUCT* hand, int number, DBLK* blk, unsigned int* value) {
-  if (hand == nullptr || blk == nullptr || value == nullptr) return bad_parameter(line_of(37), FS_ERR_BAD_PARAMETER);
+FS_STATUS FS_FshLegacy::ModAttrib2DBLK(FSYS_HAND_STRUCT* hand, int number, DBLK* blk,
+                                       unsigned int* value) {
+  if (hand == nullptr || blk == nullptr || value == nullptr)
+    return bad_parameter(line_of(37), FS_ERR_BAD_PARAMETER);
   _FUNC_LIST const* table = table_of(hand);
   if (table == nullptr || table->ModAttrib2DBLK == nullptr) return FS_ERR_UNIMPLEMENTED;
   return table->ModAttrib2DBLK(hand, number, blk, value);  // slot 43
@@ -273,7 +299,8 @@ FS_STATUS FS_FshLegacy::GetFileVerFDB(FSYS_HAND_STRUCT* hand, DBLK* blk, unsigne
 }
 
 FS_STATUS FS_FshLegacy::GetObjTypeDBLK(FSYS_HAND_STRUCT* hand, DBLK* blk, OBJECT_TYPE* type) {
-  if (hand == nullptr || blk == nullptr || type == nullptr) return bad_parameter(line_of(39), FS_ERR_BAD_PARAMETER);
+  if (hand == nullptr || blk == nullptr || type == nullptr)
+    return bad_parameter(line_of(39), FS_ERR_BAD_PARAMETER);
   _FUNC_LIST const* table = table_of(hand);
   if (table == nullptr || table->GetObjTypeDBLK == nullptr) return FS_ERR_UNIMPLEMENTED;
   return table->GetObjTypeDBLK(hand, blk, type);  // slot 45
@@ -300,8 +327,10 @@ FS_STATUS FS_FshLegacy::SizeofQbdsInfo(FSYS_HAND_STRUCT* hand, DBLK* blk) {
   return table->SizeofOSInfo(hand, blk);  // slot 48
 }
 
-FS_STATUS FS_FshLegacy::GetQbdsInfoDBLK(FSYS_HAND_STRUCT* hand, DBLK* blk, unsigned char* buffer, short* size) {
-  if (hand == nullptr || blk == nullptr || buffer == nullptr || size == nullptr) return bad_parameter(line_of(43), FS_ERR_BAD_PARAMETER);
+FS_STATUS FS_FshLegacy::GetQbdsInfoDBLK(FSYS_HAND_STRUCT* hand, DBLK* blk, unsigned char* buffer,
+                                        short* size) {
+  if (hand == nullptr || blk == nullptr || buffer == nullptr || size == nullptr)
+    return bad_parameter(line_of(43), FS_ERR_BAD_PARAMETER);
   _FUNC_LIST const* table = table_of(hand);
   if (table == nullptr || table->GetOS_InfoDBLK == nullptr) return FS_ERR_UNIMPLEMENTED;
   return table->GetOS_InfoDBLK(hand, blk, buffer, size);  // slot 49
@@ -333,8 +362,10 @@ FS_STATUS FS_FshLegacy::CreateGenDDB(FSYS_HAND_STRUCT* hand, _GEN_DBLK_DATA* dat
   return table->CreateGenDDB(hand, data);  // slot 53
 }
 
-FS_STATUS FS_FshLegacy::CreateGenDBLK(FSYS_HAND_STRUCT* hand, unsigned int number, _CREATE_DBLK* request) {
-  if (hand == nullptr || request == nullptr) return bad_parameter(line_of(48), FS_ERR_BAD_PARAMETER);
+FS_STATUS FS_FshLegacy::CreateGenDBLK(FSYS_HAND_STRUCT* hand, unsigned int number,
+                                      _CREATE_DBLK* request) {
+  if (hand == nullptr || request == nullptr)
+    return bad_parameter(line_of(48), FS_ERR_BAD_PARAMETER);
   _FUNC_LIST const* table = table_of(hand);
   if (table == nullptr || table->CreateDBLK == nullptr) return FS_ERR_UNIMPLEMENTED;
   return table->CreateDBLK(hand, number, request);  // slot 54
@@ -346,8 +377,10 @@ FS_STATUS FS_FshLegacy::ChangeIntoDDB(FSYS_HAND_STRUCT* hand, DBLK* blk) {
   return table->ChangeIntoDDB(hand, blk);  // slot 55
 }
 
-FS_STATUS FS_FshLegacy::SpecExcludeObj(FSYS_HAND_STRUCT* hand, DBLK* blk, DBLK* blk2, unsigned int number) {
-  if (hand == nullptr || blk == nullptr || blk2 == nullptr) return bad_parameter(line_of(50), FS_ERR_BAD_PARAMETER);
+FS_STATUS FS_FshLegacy::SpecExcludeObj(FSYS_HAND_STRUCT* hand, DBLK* blk, DBLK* blk2,
+                                       unsigned int number) {
+  if (hand == nullptr || blk == nullptr || blk2 == nullptr)
+    return bad_parameter(line_of(50), FS_ERR_BAD_PARAMETER);
   _FUNC_LIST const* table = table_of(hand);
   if (table == nullptr || table->SpecExcludeObj == nullptr) return FS_ERR_UNIMPLEMENTED;
   return table->SpecExcludeObj(hand, blk, blk2, number);  // slot 56
@@ -359,7 +392,8 @@ FS_STATUS FS_FshLegacy::FindObjClose(FSYS_HAND_STRUCT* hand, DBLK* blk) {
   return table->FindObjClose(hand, blk);  // slot 57
 }
 
-FS_STATUS FS_FshLegacy::GeneratedErrorLog(FSYS_HAND_STRUCT* hand, void** result, wchar_t* text, unsigned int number, unsigned int* value) {
+FS_STATUS FS_FshLegacy::GeneratedErrorLog(FSYS_HAND_STRUCT* hand, void** result, wchar_t* text,
+                                          unsigned int number, unsigned int* value) {
   _FUNC_LIST const* table = table_of(hand);
   if (table == nullptr || table->GeneratedErrorLog == nullptr) return FS_ERR_UNIMPLEMENTED;
   return table->GeneratedErrorLog(hand, result, text, number, value);  // slot 59
@@ -383,7 +417,8 @@ FS_STATUS FS_FshLegacy::PrePostProc(FSYS_HAND_STRUCT* hand, DBLK* blk, _PREPOST*
   return table->PrePostProc(hand, blk, prepost);  // slot 62
 }
 
-FS_STATUS FS_FshLegacy::GetLastErrorMessage(FSYS_HAND_STRUCT* hand, wchar_t* text, unsigned int number) {
+FS_STATUS FS_FshLegacy::GetLastErrorMessage(FSYS_HAND_STRUCT* hand, wchar_t* text,
+                                            unsigned int number) {
   _FUNC_LIST const* table = table_of(hand);
   if (table == nullptr || table->GetLastErrorMessage == nullptr) return FS_ERR_UNIMPLEMENTED;
   return table->GetLastErrorMessage(hand, text, number);  // slot 70
@@ -395,25 +430,30 @@ FS_STATUS FS_FshLegacy::SetLastErrorMessage(FSYS_HAND_STRUCT* hand, wchar_t cons
   return table->SetLastErrorMessage(hand, text);  // slot 71
 }
 
-FS_STATUS FS_FshLegacy::GetFinalSay(FSYS_HAND_STRUCT* hand, unsigned int* value, long* code, wchar_t* text, unsigned int number, wchar_t* text2, unsigned int number2) {
+FS_STATUS FS_FshLegacy::GetFinalSay(FSYS_HAND_STRUCT* hand, unsigned int* value, long* code,
+                                    wchar_t* text, unsigned int number, wchar_t* text2,
+                                    unsigned int number2) {
   _FUNC_LIST const* table = table_of(hand);
   if (table == nullptr || table->GetFinalSay == nullptr) return FS_ERR_UNIMPLEMENTED;
   return table->GetFinalSay(hand, value, code, text, number, text2, number2);  // slot 72
 }
 
-FS_STATUS FS_FshLegacy::SetFinalSay(FSYS_HAND_STRUCT* hand, unsigned int number, long code, wchar_t* text, wchar_t* text2) {
+FS_STATUS FS_FshLegacy::SetFinalSay(FSYS_HAND_STRUCT* hand, unsigned int number, long code,
+                                    wchar_t* text, wchar_t* text2) {
   _FUNC_LIST const* table = table_of(hand);
   if (table == nullptr || table->SetFinalSay == nullptr) return FS_ERR_UNIMPLEMENTED;
   return table->SetFinalSay(hand, number, code, text, text2);  // slot 73
 }
 
-FS_STATUS FS_FshLegacy::GetBackupPriority(FSYS_HAND_STRUCT* hand, wchar_t const* text, unsigned long flags) {
+FS_STATUS FS_FshLegacy::GetBackupPriority(FSYS_HAND_STRUCT* hand, wchar_t const* text,
+                                          unsigned long flags) {
   _FUNC_LIST const* table = table_of(hand);
   if (table == nullptr || table->GetBackupPriority == nullptr) return FS_ERR_UNIMPLEMENTED;
   return table->GetBackupPriority(hand, text, flags);  // slot 74
 }
 
-FS_STATUS FS_FshLegacy::EnumExcludedFiles(FSYS_HAND_STRUCT* hand, int* cursor, wcstring& name, bool* flag, EXCLUDE_TYPE& type) {
+FS_STATUS FS_FshLegacy::EnumExcludedFiles(FSYS_HAND_STRUCT* hand, int* cursor, wcstring& name,
+                                          bool* flag, EXCLUDE_TYPE& type) {
   _FUNC_LIST const* table = table_of(hand);
   if (table == nullptr || table->EnumExcludedFiles == nullptr) return FS_ERR_UNIMPLEMENTED;
   return table->EnumExcludedFiles(hand, cursor, name, flag, type);  // slot 75
@@ -425,7 +465,8 @@ FS_STATUS FS_FshLegacy::SizeofVolumeQbdsInfoInVCB(FSYS_HAND_STRUCT* hand, _ZRTSC
   return table->SizeofVolumeQbdsInfoInVCB(hand, vcb);  // slot 76
 }
 
-FS_STATUS FS_FshLegacy::GetVolumeQbdsInfoFromVCB(FSYS_HAND_STRUCT* hand, _ZRTSCB* vcb, unsigned char* buffer) {
+FS_STATUS FS_FshLegacy::GetVolumeQbdsInfoFromVCB(FSYS_HAND_STRUCT* hand, _ZRTSCB* vcb,
+                                                 unsigned char* buffer) {
   _FUNC_LIST const* table = table_of(hand);
   if (table == nullptr || table->GetVolumeQbdsInfoFromVCB == nullptr) return FS_ERR_UNIMPLEMENTED;
   return table->GetVolumeQbdsInfoFromVCB(hand, vcb, buffer);  // slot 77
@@ -443,14 +484,18 @@ FS_STATUS FS_FshLegacy::GetMountPointType(FSYS_HAND_STRUCT* hand, DBLK* blk) {
   return table->GetMountPointType(hand, blk);  // slot 82
 }
 
-FS_STATUS FS_FshLegacy::GetSpecRestoreObjects(FSYS_HAND_STRUCT* hand, wcstring& name, wcstring& name2, bool flag, bool* flag2, bool* flag3, unsigned int number) {
+FS_STATUS FS_FshLegacy::GetSpecRestoreObjects(FSYS_HAND_STRUCT* hand, wcstring& name,
+                                              wcstring& name2, bool flag, bool* flag2, bool* flag3,
+                                              unsigned int number) {
   _FUNC_LIST const* table = table_of(hand);
   if (table == nullptr || table->GetSpecRestoreObjects == nullptr) return FS_ERR_UNIMPLEMENTED;
   return table->GetSpecRestoreObjects(hand, name, name2, flag, flag2, flag3, number);  // slot 83
 }
 
-FS_STATUS FS_FshLegacy::GetHardLinkPathAndName(FSYS_HAND_STRUCT* hand, DBLK* blk, wchar_t* text, short* size) {
-  if (hand == nullptr || blk == nullptr || text == nullptr || size == nullptr) return bad_parameter(line_of(67), FS_ERR_BAD_PARAMETER);
+FS_STATUS FS_FshLegacy::GetHardLinkPathAndName(FSYS_HAND_STRUCT* hand, DBLK* blk, wchar_t* text,
+                                               short* size) {
+  if (hand == nullptr || blk == nullptr || text == nullptr || size == nullptr)
+    return bad_parameter(line_of(67), FS_ERR_BAD_PARAMETER);
   _FUNC_LIST const* table = table_of(hand);
   if (table == nullptr || table->GetHardLinkPathAndName == nullptr) return FS_ERR_UNIMPLEMENTED;
   return table->GetHardLinkPathAndName(hand, blk, text, size);  // slot 86
@@ -462,20 +507,24 @@ FS_STATUS FS_FshLegacy::EnumDependentVolumes(FSYS_HAND_STRUCT* hand, FS_WCSTRING
   return table->EnumDependentVolumes(hand, out);  // slot 87
 }
 
-FS_STATUS FS_FshLegacy::AddToSnapshotSet(FSYS_HAND_STRUCT* hand, DBLK* blk, FS_WCSTRING_INSERTER out) {
+FS_STATUS FS_FshLegacy::AddToSnapshotSet(FSYS_HAND_STRUCT* hand, DBLK* blk,
+                                         FS_WCSTRING_INSERTER out) {
   _FUNC_LIST const* table = table_of(hand);
   if (table == nullptr || table->AddToSnapshotSet == nullptr) return FS_ERR_UNIMPLEMENTED;
   return table->AddToSnapshotSet(hand, blk, out);  // slot 88
 }
 
-FS_STATUS FS_FshLegacy::SnapshotNotification(FSYS_HAND_STRUCT* hand, SNAPSHOT_NOTIFICATION::notify_type kind) {
+FS_STATUS FS_FshLegacy::SnapshotNotification(FSYS_HAND_STRUCT* hand,
+                                             SNAPSHOT_NOTIFICATION::notify_type kind) {
   _FUNC_LIST const* table = table_of(hand);
   if (table == nullptr || table->SnapshotNotification == nullptr) return FS_ERR_UNIMPLEMENTED;
   return table->SnapshotNotification(hand, kind);  // slot 89
 }
 
-FS_STATUS FS_FshLegacy::GetExtendedErrorInfo(FSYS_HAND_STRUCT* hand, FS_EXT_ERR_ACTION* action, unsigned int* value, wchar_t** message) {
-  if (hand == nullptr || action == nullptr || value == nullptr || message == nullptr) return bad_parameter(line_of(71), FS_ERR_BAD_PARAMETER);
+FS_STATUS FS_FshLegacy::GetExtendedErrorInfo(FSYS_HAND_STRUCT* hand, FS_EXT_ERR_ACTION* action,
+                                             unsigned int* value, wchar_t** message) {
+  if (hand == nullptr || action == nullptr || value == nullptr || message == nullptr)
+    return bad_parameter(line_of(71), FS_ERR_BAD_PARAMETER);
   _FUNC_LIST const* table = table_of(hand);
   if (table == nullptr || table->GetExtendedErrorInfo == nullptr) {
     *action = FS_EXT_ERR_ACTION_NONE;
@@ -499,13 +548,15 @@ FS_STATUS FS_FshLegacy::GetVolb(FSYS_HAND_STRUCT* hand, DBLK* blk) {
   return table->GetVolb(hand, blk);  // slot 93
 }
 
-FS_STATUS FS_FshLegacy::GenericInfo(FSYS_HAND_STRUCT* hand, unsigned int number, unsigned int number2, unsigned char* buffer) {
+FS_STATUS FS_FshLegacy::GenericInfo(FSYS_HAND_STRUCT* hand, unsigned int number,
+                                    unsigned int number2, unsigned char* buffer) {
   _FUNC_LIST const* table = table_of(hand);
   if (table == nullptr || table->GenericInfo == nullptr) return FS_ERR_UNIMPLEMENTED;
   return table->GenericInfo(hand, number, number2, buffer);  // slot 94
 }
 
-FS_STATUS FS_FshLegacy::FillOutDBLK(FSYS_HAND_STRUCT* hand, DBLK* blk, wchar_t const* text, unsigned int number, unsigned long long const& id) {
+FS_STATUS FS_FshLegacy::FillOutDBLK(FSYS_HAND_STRUCT* hand, DBLK* blk, wchar_t const* text,
+                                    unsigned int number, unsigned long long const& id) {
   _FUNC_LIST const* table = table_of(hand);
   if (table == nullptr || table->FillOutDBLK == nullptr) return FS_ERR_UNIMPLEMENTED;
   return table->FillOutDBLK(hand, blk, text, number, id);  // slot 96
@@ -517,7 +568,8 @@ FS_STATUS FS_FshLegacy::GetShortNameFromDBLK(FSYS_HAND_STRUCT* hand, DBLK* blk, 
   return table->GetShortNameFromDBLK(hand, blk, name);  // slot 97
 }
 
-FS_STATUS FS_FshLegacy::GetMountPointInfo(FSYS_HAND_STRUCT* hand, DBLK* blk, FS_MOUNTPOINT_INFO& info) {
+FS_STATUS FS_FshLegacy::GetMountPointInfo(FSYS_HAND_STRUCT* hand, DBLK* blk,
+                                          FS_MOUNTPOINT_INFO& info) {
   _FUNC_LIST const* table = table_of(hand);
   if (table == nullptr || table->GetMountPointInfo == nullptr) return FS_ERR_UNIMPLEMENTED;
   return table->GetMountPointInfo(hand, blk, info);  // slot 98
@@ -535,13 +587,19 @@ FS_STATUS FS_FshLegacy::GetDeviceTime(FSYS_HAND_STRUCT* hand, _DATE_TIME* date, 
   return table->GetDeviceTime(hand, date, date2);  // slot 100
 }
 
-FS_STATUS FS_FshLegacy::GetOffHostFileList(_FILE_HAND_STRUCT* obj, FS_OFF_HOST_FILE_LIST** list, FS_OFF_HOST_FILE_LIST** list2, _OFF_HOST_FILELIST_OPER_DATA_TYPES::FS_OH_FL_OPER_TYPE* operation, _OFF_HOST_FILELIST_OPER_DATA_TYPES::FS_OH_FL_DATA_TYPE* data_type, void** result, unsigned int* value) {
+FS_STATUS FS_FshLegacy::GetOffHostFileList(
+    _FILE_HAND_STRUCT* obj, FS_OFF_HOST_FILE_LIST** list, FS_OFF_HOST_FILE_LIST** list2,
+    _OFF_HOST_FILELIST_OPER_DATA_TYPES::FS_OH_FL_OPER_TYPE* operation,
+    _OFF_HOST_FILELIST_OPER_DATA_TYPES::FS_OH_FL_DATA_TYPE* data_type, void** result,
+    unsigned int* value) {
   _FUNC_LIST const* table = table_of(obj);
   if (table == nullptr || table->GetOffHostFileList == nullptr) return FS_ERR_UNIMPLEMENTED;
-  return table->GetOffHostFileList(obj, list, list2, operation, data_type, result, value);  // slot 102
+  return table->GetOffHostFileList(obj, list, list2, operation, data_type, result,
+                                   value);  // slot 102
 }
 
-FS_STATUS FS_FshLegacy::PerformChecks(_FILE_HAND_STRUCT* obj, _PERFORM_CHECKS::OPERATION_TYPE kind, _PERFORM_CHECKS::OPERATION_SUB_TYPE sub_kind) {
+FS_STATUS FS_FshLegacy::PerformChecks(_FILE_HAND_STRUCT* obj, _PERFORM_CHECKS::OPERATION_TYPE kind,
+                                      _PERFORM_CHECKS::OPERATION_SUB_TYPE sub_kind) {
   _FUNC_LIST const* table = table_of(obj);
   if (table == nullptr || table->PerformChecks == nullptr) return FS_ERR_UNIMPLEMENTED;
   return table->PerformChecks(obj, kind, sub_kind);  // slot 103
@@ -553,32 +611,42 @@ FS_STATUS FS_FshLegacy::DoCommand(FSYS_HAND_STRUCT* hand, FS_CMD command, void* 
   return table->DoCommand(hand, command, arg, arg2);  // slot 104
 }
 
-FS_STATUS FS_FshLegacy::GetExtendedAttribFromDBLK(FSYS_HAND_STRUCT* hand, DBLK* blk, unsigned int number, void* arg, unsigned int* value) {
+FS_STATUS FS_FshLegacy::GetExtendedAttribFromDBLK(FSYS_HAND_STRUCT* hand, DBLK* blk,
+                                                  unsigned int number, void* arg,
+                                                  unsigned int* value) {
   _FUNC_LIST const* table = table_of(hand);
   if (table == nullptr || table->GetExtendedAttribFromDBLK == nullptr) return FS_ERR_UNIMPLEMENTED;
   return table->GetExtendedAttribFromDBLK(hand, blk, number, arg, value);  // slot 107
 }
 
-FS_STATUS FS_FshLegacy::GetEquivalentRealPath(FSYS_HAND_STRUCT* hand, wchar_t const* text, unsigned int number, wcstring* name, long* code) {
+FS_STATUS FS_FshLegacy::GetEquivalentRealPath(FSYS_HAND_STRUCT* hand, wchar_t const* text,
+                                              unsigned int number, wcstring* name, long* code) {
   _FUNC_LIST const* table = table_of(hand);
   if (table == nullptr || table->GetEquivalentRealPath == nullptr) return FS_ERR_UNIMPLEMENTED;
   return table->GetEquivalentRealPath(hand, text, number, name, code);  // slot 110
 }
 
-FS_STATUS FS_FshLegacy::GetVirtualVolumeDetails(FSYS_HAND_STRUCT* hand, unsigned char** buffer, unsigned int* value, _VIRTUAL_VOLUME_INFO** info) {
+FS_STATUS FS_FshLegacy::GetVirtualVolumeDetails(FSYS_HAND_STRUCT* hand, unsigned char** buffer,
+                                                unsigned int* value, _VIRTUAL_VOLUME_INFO** info) {
   _FUNC_LIST const* table = table_of(hand);
   if (table == nullptr || table->GetVirtualVolumeDetails == nullptr) return FS_ERR_UNIMPLEMENTED;
   return table->GetVirtualVolumeDetails(hand, buffer, value, info);  // slot 111
 }
 
-FS_STATUS FS_FshLegacy::GetLastErrorAndMessage(FSYS_HAND_STRUCT* hand, wchar_t* text, unsigned int number, long* code) {
+FS_STATUS FS_FshLegacy::GetLastErrorAndMessage(FSYS_HAND_STRUCT* hand, wchar_t* text,
+                                               unsigned int number, long* code) {
   _FUNC_LIST const* table = table_of(hand);
   if (table == nullptr || table->GetLastErrorAndMessage == nullptr) return FS_ERR_UNIMPLEMENTED;
   return table->GetLastErrorAndMessage(hand, text, number, code);  // slot 112
 }
 
-FS_STATUS FS_FshLegacy::DirectImageInterface(FSYS_HAND_STRUCT* hand, wchar_t const* text, wchar_t const* text2, _DII_CONTROL_TYPE control, unsigned int number, FS_OFF_HOST_FILE_LIST** list, FS_OFF_HOST_FILE_LIST** list2, wchar_t* text3, unsigned int& size) {
+FS_STATUS FS_FshLegacy::DirectImageInterface(FSYS_HAND_STRUCT* hand, wchar_t const* text,
+                                             wchar_t const* text2, _DII_CONTROL_TYPE control,
+                                             unsigned int number, FS_OFF_HOST_FILE_LIST** list,
+                                             FS_OFF_HOST_FILE_LIST** list2, wchar_t* text3,
+                                             unsigned int& size) {
   _FUNC_LIST const* table = table_of(hand);
   if (table == nullptr || table->DirectImageInterface == nullptr) return FS_ERR_UNIMPLEMENTED;
-  return table->DirectImageInterface(hand, text, text2, control, number, list, list2, text3, size);  // slot 114
+  return table->DirectImageInterface(hand, text, text2, control, number, list, list2, text3,
+                                     size);  // slot 114
 }
