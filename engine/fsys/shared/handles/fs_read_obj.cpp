@@ -86,10 +86,10 @@ FS_STATUS FS_ReadObj(_FILE_HAND_STRUCT* obj, unsigned char* buffer, unsigned int
       obj->needSize = module_need;
       return status;
     }
-    if (is_error(status)) {
-      obj->pending = status;
-      status = FS_SUCCESS;
-    }
+    // An error that came with data waits for the next call; any other
+    // status of a read that delivered is success.
+    if (is_error(status)) obj->pending = status;
+    status = FS_SUCCESS;
     std::uint32_t delivered = *size;
     if (delivered > target_size) {
       delivered = target_size;

@@ -71,9 +71,11 @@ FS_EXPORT FS_STATUS FS_OpenObj(FSYS_HAND_STRUCT* hand, _FILE_HAND_STRUCT** out, 
 // Reads the next piece of the object: either a stream header (header->id
 // non-zero, *size 0 or the data that came with it) or data of the current
 // stream. `*size` is the room at `buffer` on entry and the bytes delivered
-// on return; `*need` is handed back as 1. Statuses: 0; the module's end or
-// error status (an error that came with data is held back and returned,
-// with no data, by the first read after that data was delivered);
+// on return; `*need` is handed back as 1. Statuses: 0 (also for an
+// informational status of the module: a module ends an object with an error
+// status such as FS_ERR_OBJ_NO_DATA); the module's error (an error that came
+// with data is held back and returned, with no data, by the first read after
+// that data was delivered);
 // FS_ERR_OBJ_OVERRUN when the module returned more than it was given room
 // for (the excess is dropped); FS_ERR_NO_MEMORY; FS_ERR_BAD_PARAMETER for a
 // null argument or an unowned object handle.
