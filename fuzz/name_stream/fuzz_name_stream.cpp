@@ -11,6 +11,7 @@
 #include <cstring>
 #include <vector>
 
+#include "fuzz_input.h"
 #include <qbfsys/crypt_names.h>
 #include <qbfsys/dblk.h>
 #include <qbfsys/handles.h>
@@ -18,16 +19,7 @@
 
 namespace {
 
-struct Input {
-  std::uint8_t const* data;
-  std::size_t size;
-  std::size_t at = 0;
-  std::uint32_t take(std::size_t bytes) {
-    std::uint32_t value = 0;
-    for (std::size_t i = 0; i < bytes && at < size; ++i) value |= std::uint32_t{data[at++]} << (8 * i);
-    return value;
-  }
-};
+using qbfuzz::Input;
 
 void check(bool ok) {
   if (!ok) std::abort();

@@ -11,23 +11,14 @@
 #include <cstring>
 #include <vector>
 
+#include "fuzz_input.h"
 #include <qbfsys/file_hand.h>
 #include <qbfsys/handles.h>
 #include <qbfsys/stream_info.h>
 
 namespace {
 
-struct Input {
-  std::uint8_t const* data;
-  std::size_t size;
-  std::size_t at = 0;
-  std::uint32_t take(std::size_t bytes) {
-    std::uint32_t value = 0;
-    for (std::size_t i = 0; i < bytes && at < size; ++i) value |= std::uint32_t{data[at++]} << (8 * i);
-    return value;
-  }
-  bool done() const { return at >= size; }
-};
+using qbfuzz::Input;
 
 Input* g_in = nullptr;
 std::vector<unsigned char> g_delivered;  // what the module handed out
