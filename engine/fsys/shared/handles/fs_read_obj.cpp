@@ -18,6 +18,7 @@
 #include <qbfsys/stream_info.h>
 
 #include "fs_dispatch.h"
+#include "object_handles.h"
 #include "object_stage.h"
 
 namespace {
@@ -57,6 +58,15 @@ FS_STATUS FS_ReadObj(_FILE_HAND_STRUCT* obj, unsigned char* buffer, unsigned int
     return FS_ERR_BAD_PARAMETER;
   std::uint32_t const room = *size;
   bool retried = false;
+  if (obj->stageMode == FS_STAGE_WRITING) {
+    // Bytes a write left staged belong to the module before anything is read.
+    FS_STATUS const flushed = fsys::flush_staged_writes(obj);
+    if (flushed != FS_SUCCESS) {
+      *size = 0;
+      *need = kNoMinimum;
+      return flushed;
+    }
+  }
 
   for (;;) {
     *need = kNoMinimum;
