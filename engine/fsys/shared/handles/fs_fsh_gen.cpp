@@ -69,12 +69,12 @@ FS_STATUS FS_FshGen::CompleteBLK(FSYS_HAND_STRUCT* hand, DBLK* blk, unsigned cha
 
 FS_STATUS FS_FshGen::DupBlk(FSYS_HAND_STRUCT* hand, DBLK* blk, DBLK* blk2) {
   if (hand == nullptr || blk == nullptr || blk2 == nullptr) return bad_parameter(line_of(8));
-  return unimplemented(line_of(8));  // no generic operation yet
+  return GEN_DupBlk(hand, blk, blk2);
 }
 
 FS_STATUS FS_FshGen::ReleaseBlk(FSYS_HAND_STRUCT* hand, DBLK* blk) {
   if (hand == nullptr || blk == nullptr) return bad_parameter(line_of(9));
-  return unimplemented(line_of(9));  // no generic operation yet
+  return GEN_ReleaseBlk(hand, blk);
 }
 
 FS_STATUS FS_FshGen::ProcessDDB(FSYS_HAND_STRUCT* hand, DBLK* blk) {
@@ -251,18 +251,18 @@ FS_STATUS FS_FshGen::InitializeGOS(FSYS_HAND_STRUCT* /*hand*/, _GOS* /*gos*/) { 
 
 FS_STATUS FS_FshGen::CreateGenFDB(FSYS_HAND_STRUCT* hand, _GEN_DBLK_DATA* data) {
   if (hand == nullptr || data == nullptr) return bad_parameter(line_of(46));
-  return unimplemented(line_of(46));  // no generic operation yet
+  return GEN_CreateFDB(hand, data);
 }
 
 FS_STATUS FS_FshGen::CreateGenDDB(FSYS_HAND_STRUCT* hand, _GEN_DBLK_DATA* data) {
   if (hand == nullptr || data == nullptr) return bad_parameter(line_of(47));
-  return unimplemented(line_of(47));  // no generic operation yet
+  return GEN_CreateDDB(hand, data);
 }
 
-FS_STATUS FS_FshGen::CreateGenDBLK(FSYS_HAND_STRUCT* hand, unsigned int /*number*/,
+FS_STATUS FS_FshGen::CreateGenDBLK(FSYS_HAND_STRUCT* hand, unsigned int number,
                                    _CREATE_DBLK* request) {
   if (hand == nullptr || request == nullptr) return bad_parameter(line_of(48));
-  return unimplemented(line_of(48));  // no generic operation yet
+  return GEN_CreateDBLK(hand, number, request);
 }
 
 FS_STATUS FS_FshGen::ChangeIntoDDB(FSYS_HAND_STRUCT* /*hand*/, DBLK* /*blk*/) {

@@ -3,6 +3,7 @@
 #pragma once
 #include <qbfsys/fs_export.h>
 #include <qbfsys/fs_status.h>
+#include <qbfsys/create_dblk.h>
 #include <qbfsys/fs_types.h>
 
 // Start-up hook: succeeds and does nothing else.
@@ -73,3 +74,44 @@ FS_EXPORT FS_STATUS GEN_IsBlkComplete(FSYS_HAND_STRUCT* hand, DBLK* blk);
 // longer than 32 bits.
 FS_EXPORT FS_STATUS GEN_CompleteBlk(FSYS_HAND_STRUCT* hand, DBLK* blk, unsigned char* data,
                                     unsigned int* size, STREAM_INFO* header);
+
+// ---- building, copying and releasing GEN blocks ------------------------------
+// Builds a file (GEN_CreateFDB) or directory (GEN_CreateDDB) block in
+// data->dblk from the creation data: the block is cleared, the common
+// fields, object flags (DBLK_OBJ_*), attribute words, display size and the
+// four dates are copied (a missing date reads as zero), and the name is set
+// up in a pooled element of the handle unless the media attribute word has
+// DBLK_ATTR1_NAME_ENCRYPTED (then the name arrives later as a name stream,
+// GEN_CompleteBlk). File blocks with an extended-attribute sub-code
+// (DBLK_SUBTYPE_EA_*) also get the two extended-attribute names, values,
+// counters and the two extra dates; sub-code DBLK_SUBTYPE_NUMERIC copies the
+// numeric record. An extended name longer than empty is kept in its own
+// element. Returns 0, the name set-up's error (FS_ERR_NO_MEMORY,
+// FS_ERR_NAME_TOO_LONG, FS_ERR_BAD_PARAMETER), or FS_ERR_BAD_PARAMETER for a
+// null handle, data or destination. Whatever elements the block got stay
+// with it; release them with GEN_ReleaseBlk.
+FS_EXPORT FS_STATUS GEN_CreateFDB(FSYS_HAND_STRUCT* hand, _GEN_DBLK_DATA* data);
+FS_EXPORT FS_STATUS GEN_CreateDDB(FSYS_HAND_STRUCT* hand, _GEN_DBLK_DATA* data);
+// Kind 8 builds a directory block, kind 9 a file block, from request->gen;
+// the destination is request->gen.dblk, or request->dblk when that is null.
+// Any other kind returns 1 and builds nothing; a null request gives
+// FS_ERR_BAD_PARAMETER.
+FS_EXPORT FS_STATUS GEN_CreateDBLK(FSYS_HAND_STRUCT* hand, unsigned int kind,
+                                   _CREATE_DBLK* request);
+// Copies all 4,184 bytes of `source` into `copy` and gives the copy its own
+// name elements (OS name, extended-attribute names, extended name), so the
+// two blocks are released independently. Returns 0, FS_ERR_NO_MEMORY (the
+// copy then holds no name elements) or FS_ERR_BAD_PARAMETER.
+FS_EXPORT FS_STATUS GEN_DupBlk(FSYS_HAND_STRUCT* hand, DBLK* source, DBLK* copy);
+// Releases every name element the block holds to the handle's pool and
+// clears the fields. Returns 0 (FS_ERR_BAD_PARAMETER for null arguments).
+FS_EXPORT FS_STATUS GEN_ReleaseBlk(FSYS_HAND_STRUCT* hand, DBLK* blk);
+// The marker blocks, built into request->dblk from request->mark (unknown
+// and end-of-data blocks: kind, format words, position) or request->cfdb
+// (corrupt-file block: cleared first, then kind, format words, position,
+// attribute words and the two 64-bit values). Return 1, as every generic
+// creator of these kinds does; FS_ERR_BAD_PARAMETER for a null request or
+// destination.
+FS_EXPORT FS_STATUS FS_CreateGenUDB(FSYS_HAND_STRUCT* hand, _CREATE_DBLK* request);
+FS_EXPORT FS_STATUS FS_CreateGenEODB(FSYS_HAND_STRUCT* hand, _CREATE_DBLK* request);
+FS_EXPORT FS_STATUS FS_CreateGenCFDB(FSYS_HAND_STRUCT* hand, _CREATE_DBLK* request);
