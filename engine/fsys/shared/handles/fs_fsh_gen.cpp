@@ -162,16 +162,16 @@ FS_STATUS FS_FshGen::GetSpecialDBLKS(FSYS_HAND_STRUCT* /*hand*/, DBLK* /*blk*/,
   return FS_STATUS_NONE;
 }
 
-FS_STATUS FS_FshGen::ModName(FSYS_HAND_STRUCT* hand, int /*number*/, DBLK* blk, wchar_t* text,
+FS_STATUS FS_FshGen::ModName(FSYS_HAND_STRUCT* hand, int number, DBLK* blk, wchar_t* text,
                              short* size) {
   if (hand == nullptr || blk == nullptr || text == nullptr || size == nullptr)
     return bad_parameter(line_of(29));
-  return unimplemented(line_of(29));  // no generic operation yet
+  return GEN_ModName(hand, number, blk, text, size);
 }
 
-FS_STATUS FS_FshGen::GetOSName(FSYS_HAND_STRUCT* hand, DBLK* blk, wchar_t* text, bool /*flag*/) {
+FS_STATUS FS_FshGen::GetOSName(FSYS_HAND_STRUCT* hand, DBLK* blk, wchar_t* text, bool flag) {
   if (hand == nullptr || blk == nullptr || text == nullptr) return bad_parameter(line_of(30));
-  return unimplemented(line_of(30));  // no generic operation yet
+  return GEN_GetOSName(hand, blk, text, flag);
 }
 
 FS_STATUS FS_FshGen::GetCDateDBLK(FSYS_HAND_STRUCT* hand, DBLK* blk, _DATE_TIME* date) {
@@ -221,9 +221,9 @@ FS_STATUS FS_FshGen::GetObjTypeDBLK(FSYS_HAND_STRUCT* hand, DBLK* blk, OBJECT_TY
   return FS_SUCCESS;
 }
 
-FS_STATUS FS_FshGen::SizeofName(FSYS_HAND_STRUCT* hand, DBLK* blk, bool /*flag*/) {
+FS_STATUS FS_FshGen::SizeofName(FSYS_HAND_STRUCT* hand, DBLK* blk, bool flag) {
   if (hand == nullptr || blk == nullptr) return bad_parameter(line_of(40));
-  return unimplemented(line_of(40));  // no generic operation yet
+  return narrow_size(GEN_SizeofName(hand, blk, flag));
 }
 
 FS_STATUS FS_FshGen::SizeofOSName(FSYS_HAND_STRUCT* hand, DBLK* blk, bool flag) {

@@ -115,3 +115,67 @@ FS_EXPORT FS_STATUS GEN_ReleaseBlk(FSYS_HAND_STRUCT* hand, DBLK* blk);
 FS_EXPORT FS_STATUS FS_CreateGenUDB(FSYS_HAND_STRUCT* hand, _CREATE_DBLK* request);
 FS_EXPORT FS_STATUS FS_CreateGenEODB(FSYS_HAND_STRUCT* hand, _CREATE_DBLK* request);
 FS_EXPORT FS_STATUS FS_CreateGenCFDB(FSYS_HAND_STRUCT* hand, _CREATE_DBLK* request);
+
+// ---- names -------------------------------------------------------------------
+// The name of a block, in bytes: 0xFFFFFFFF without an OS name element. A
+// block with blk_subtype 9 whose os_id is GEN_OSID_PREFIXED_BLANK or
+// GEN_OSID_PREFIXED_Q and whose os_ver is non-zero keeps a prefixed name:
+// its buffer starts with a 16-bit length L and the name proper starts at
+// byte (L + 3) with the two low bits cleared; the size is then the element
+// size minus that offset (0 when the offset lies beyond the element).
+constexpr std::uint8_t GEN_OSID_PREFIXED_BLANK = 32;
+constexpr std::uint8_t GEN_OSID_PREFIXED_Q = 81;
+constexpr std::uint32_t GEN_PREFIXED_SUBTYPE = 9;
+FS_EXPORT FS_STATUS GEN_SizeofName(FSYS_HAND_STRUCT* hand, DBLK* blk, bool withPath);
+// Reads the block's name into `buffer` (direction 0): the name proper of a
+// prefixed name when its start lies inside the element, else the whole
+// element (after printing "File name: %s\nFile name size: %d\ntsize: %d\n").
+// `*size` holds the buffer's capacity in bytes on entry and the bytes copied
+// on return. Writing (any other direction) is refused with
+// FS_ERR_BAD_PARAMETER. Returns 0; FS_ERR_OBJ_NO_DATA when the buffer is too
+// small (nothing copied) or the block has no name; FS_ERR_BAD_PARAMETER for
+// null arguments.
+FS_EXPORT FS_STATUS GEN_ModName(FSYS_HAND_STRUCT* hand, int direction, DBLK* blk, wchar_t* buffer,
+                                short* size);
+// Copies the block's OS name element, terminated, into `buffer`, which must
+// hold GEN_SizeofOSName bytes. Returns 0, or FS_ERR_OBJ_NO_DATA without a
+// name; FS_ERR_BAD_PARAMETER for null arguments.
+FS_EXPORT FS_STATUS GEN_GetOSName(FSYS_HAND_STRUCT* hand, DBLK* blk, wchar_t* buffer, bool withPath);
+
+// Builds "<device name>\<component>\...\<name>" in `out` (`outSize` bytes):
+// the device name of `dle` (none without a DLE), a backslash unless the path
+// is the root (pathSize 4: one empty component), each component of `path`
+// (empty ones too)
+// (a run of terminated components, `pathSize` bytes) followed by a
+// backslash, then `name` when given. Returns 0; FS_ERR_OBJ_NO_DATA when the
+// result would not fit (sizes compared as signed 16-bit values, as the media
+// format does, and the exact characters written); FS_ERR_BAD_PARAMETER for a null `out` or a path that is not
+// a run of terminated components.
+FS_EXPORT FS_STATUS GEN_MakePath(wchar_t* out, short outSize, GENERIC_DLE* dle, wchar_t const* path,
+                                 short pathSize, wchar_t const* name);
+
+// The DLE's display name (its alternate name when DLE_NAME_FLAG_ALTERNATE is
+// set and it has one, else its device name): at most bufferSize / 4
+// characters, the last position always a terminator. Buffers under 24
+// bytes are refused with FS_ERR_OBJ_NO_DATA.
+FS_EXPORT FS_STATUS GEN_DeviceDispName(GENERIC_DLE* dle, wchar_t* buffer, unsigned short bufferSize);
+// Copies the same name, terminated; the buffer must hold GEN_SizeofVolName
+// bytes. Returns 0 (FS_ERR_BAD_PARAMETER for null arguments).
+FS_EXPORT FS_STATUS GEN_GetVolName(GENERIC_DLE* dle, wchar_t* buffer);
+// (length + 1) * 4 of that name; 0 for a null DLE.
+FS_EXPORT FS_STATUS GEN_SizeofVolName(GENERIC_DLE* dle);
+FS_EXPORT FS_STATUS GEN_SizeofDevName(GENERIC_DLE* dle);
+
+// ---- the set-copy blob ---------------------------------------------------------
+// A growable byte buffer owned by whoever holds the record (free `data` with
+// free()).
+struct SET_COPY_BLOB {
+  unsigned char* data;
+  std::uint32_t length;    // bytes used
+  std::uint32_t capacity;  // bytes allocated
+};
+// Stores `length` bytes of `data` in the blob; length 0 keeps the buffer. A
+// length above the capacity replaces the buffer by one of length + 512
+// bytes. Returns 0; FS_ERR_NO_MEMORY (length and capacity become 0);
+// FS_ERR_BAD_PARAMETER for a null blob, or null data with a non-zero length.
+FS_EXPORT FS_STATUS GEN_LoadSetCopyBlob(std::uint32_t length, void const* data, SET_COPY_BLOB* blob);
