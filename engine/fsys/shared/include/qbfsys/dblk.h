@@ -56,6 +56,13 @@ constexpr std::uint32_t DBLK_OBJ_FILE_ATTR_BIT20 = 0x00000040;  // file: attribu
 constexpr std::uint32_t DBLK_OBJ_COUNTER2 = 0x00000800;         // second counter was non-zero
 constexpr std::uint32_t DBLK_OBJ_ATTR_BIT25 = 0x08000000;       // attribute bit 0x02000000
 
+// obj_flags bits that say an object was marked already (bit 27 and bits 28
+// to 31): its exclusion reason is not looked up again.
+constexpr std::uint32_t DBLK_OBJ_MARKED_MASK = 0xF8000000;
+// agent_warning: set once the warning reason was looked up; the low 31 bits
+// hold the reason.
+constexpr std::uint32_t DBLK_WARNING_CACHED = 0x80000000;
+
 // ---- attribute word 1 bits the layer reads or maps --------------------------
 constexpr std::uint32_t DBLK_ATTR1_NAME_ENCRYPTED = 0x00020000;  // the name arrives as a name stream
 constexpr std::uint32_t DBLK_ATTR1_BIT19 = 0x00080000;
@@ -141,8 +148,8 @@ struct DBLK {
   FS_NAME_Q_ELEM* os_name;            // 16: OS path or name; a directory or file block is complete once set
   void* os_info;                      // 24: OS-specific data, not owned
   unsigned char reserved32[8];
-  std::uint32_t obj_flags;            // 40: DBLK_OBJ_*
-  std::uint32_t reserved44;
+  std::uint32_t obj_flags;            // 40: DBLK_OBJ_*; exclusion reasons are merged in
+  std::uint32_t agent_warning;        // 44: cached warning reason (DBLK_WARNING_CACHED), 0: not yet
   std::uint32_t format_word2;         // 48: second format word
   unsigned char reserved52[12];
   std::uint64_t format_position;      // 64
@@ -170,6 +177,7 @@ static_assert(offsetof(DBLK, format_attrib) == 12, "format_attrib");
 static_assert(offsetof(DBLK, os_name) == 16, "os_name");
 static_assert(offsetof(DBLK, os_info) == 24, "os_info");
 static_assert(offsetof(DBLK, obj_flags) == 40, "obj_flags");
+static_assert(offsetof(DBLK, agent_warning) == 44, "agent_warning");
 static_assert(offsetof(DBLK, format_word2) == 48, "format_word2");
 static_assert(offsetof(DBLK, format_position) == 64, "format_position");
 static_assert(offsetof(DBLK, strm_buffered) == 72, "strm_buffered");

@@ -10,6 +10,7 @@
 //   fs_dle_base.h    FS_DleBase, the per-file-system object
 //   fs_init.h        start-up and shut-down
 //   dle.h            the DLE tree
+//   dle_rules.h      exclusion and agent-warning rules and reasons
 //   machine.h        machine and device-name resolution, the tree dump
 //   handles.h        file-system handles and last error
 //   fs_fsh_base.h    FS_FshBase, a handle's adapter interface
@@ -37,6 +38,7 @@
 #include <qbfsys/fs_dle_base.h>
 #include <qbfsys/fs_init.h>
 #include <qbfsys/dle.h>
+#include <qbfsys/dle_rules.h>
 #include <qbfsys/machine.h>
 #include <qbfsys/handles.h>
 #include <qbfsys/fs_fsh_base.h>

@@ -1,0 +1,183 @@
+// Exclusion and agent-warning rules: which rule gives the reason, and how
+// an object's path is built from a handle's current path and its name.
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "test_records.h"
+#include <qbfsys/qbfsys.h>
+
+namespace {
+
+// A path in component form with its byte count (terminator included).
+struct Path {
+  std::vector<wchar_t> text;
+  short bytes() const { return static_cast<short>(text.size() * sizeof(wchar_t)); }
+};
+Path components(std::wstring const& slashed) {
+  Path p;
+  for (wchar_t c : slashed) p.text.push_back(c == L'/' ? L'\0' : c);
+  p.text.push_back(L'\0');
+  return p;
+}
+
+class DleRules : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    head_ = qbtest::new_empty_head();
+    ASSERT_EQ(DLE_Create(head_, nullptr, L"/srv", 7, 2, L'/', &dle_), FS_SUCCESS);
+  }
+  void TearDown() override {
+    GEN_RemoveDLE(dle_);  // frees the rules with the DLE (the leak check proves it)
+    FS_DeinitDleList(head_);
+  }
+
+  HEAD_DLE* head_ = nullptr;
+  GENERIC_DLE* dle_ = nullptr;
+};
+
+TEST_F(DleRules, ExactPathsWinThenTheFirstPattern) {
+  ASSERT_EQ(DLE_AddSpecObj(dle_, L"*.tmp", DLE_RULE_PATTERN, 1), FS_SUCCESS);
+  ASSERT_EQ(DLE_AddSpecObj(dle_, L"var/*", DLE_RULE_PATTERN, 2), FS_SUCCESS);
+  ASSERT_EQ(DLE_AddSpecObj(dle_, L"/var/x.tmp", DLE_RULE_PATH, 3), FS_SUCCESS);  // leading '/' ignored
+  ASSERT_EQ(DLE_AddSpecObj(dle_, L"home/a", DLE_RULE_PATH, 4), FS_SUCCESS);
+  struct Case {
+    std::wstring path;
+    std::uint32_t reason;
+  } const cases[] = {
+      {L"var/x.tmp", 3},   // the exact path beats both patterns
+      {L"var/y.tmp", 2},   // "var/*" comes second but "*.tmp" stays in one component
+      {L"y.tmp", 1},
+      {L"home/a", 4},
+      {L"home/a/b", 0},
+      {L"HOME/A", 0},      // exact paths compare exactly
+      {L"Y.TMP", 1},       // patterns do not care about case
+  };
+  for (auto const& c : cases) {
+    Path const p = components(c.path);
+    EXPECT_EQ(DLE_GetExcludeReason(dle_, p.text.data(), p.bytes()), c.reason) << std::string(c.path.begin(), c.path.end());
+  }
+  wchar_t const delimited[] = L"var/x.tmp";  // the DLE's delimiter also separates
+  EXPECT_EQ(DLE_GetExcludeReason(dle_, delimited, sizeof delimited), 3u);
+  wchar_t const terminator[] = L"";
+  EXPECT_EQ(DLE_GetExcludeReason(dle_, terminator, 4), 0u);
+  EXPECT_EQ(DLE_GetExcludeReason(nullptr, delimited, sizeof delimited), 0u);
+  EXPECT_EQ(DLE_AddSpecObj(dle_, L"", DLE_RULE_PATH, 1), FS_ERR_BAD_PARAMETER);
+  EXPECT_EQ(DLE_AddSpecObj(dle_, L"x", static_cast<DLE_RULE_KIND>(7), 1), FS_ERR_BAD_PARAMETER);
+  DLE_RemoveSpecObjs(dle_);
+  EXPECT_EQ(DLE_GetExcludeReason(dle_, delimited, sizeof delimited), 0u);
+}
+
+TEST_F(DleRules, WarningRulesLiveApart) {
+  wchar_t const db[] = L"db/live.db";
+  EXPECT_EQ(DLE_GetWarningReason(dle_, db, sizeof db), 0u);
+  ASSERT_EQ(DLE_AddAgentWarningObj(dle_, L"db/*.db", DLE_RULE_PATTERN, 9), FS_SUCCESS);
+  ASSERT_EQ(DLE_AddAgentWarningObj(dle_, L"db/live.db", DLE_RULE_PATH, 8), FS_SUCCESS);
+  EXPECT_EQ(DLE_GetWarningReason(dle_, db, sizeof db), 8u);
+  wchar_t const other[] = L"db/old.db";
+  EXPECT_EQ(DLE_GetWarningReason(dle_, other, sizeof other), 9u);
+  EXPECT_EQ(DLE_GetExcludeReason(dle_, other, sizeof other), 0u);
+  DLE_RemoveAgentWarningObjs(dle_);
+  EXPECT_EQ(DLE_GetWarningReason(dle_, other, sizeof other), 0u);
+  ASSERT_EQ(DLE_AddAgentWarningObj(dle_, L"x", DLE_RULE_PATH, 1), FS_SUCCESS);  // freed with the DLE
+}
+
+// A file system whose current directory and object name the test sets.
+std::vector<wchar_t> g_current;  // component form, with the final terminator
+std::wstring g_name;
+int g_name_size_override = -1;
+
+_FUNC_LIST path_table() {
+  _FUNC_LIST t{};
+  t.GetCurrentPath = [](FSYS_HAND_STRUCT*, wchar_t* out, short* size) -> FS_STATUS {
+    short const bytes = static_cast<short>(g_current.size() * sizeof(wchar_t));
+    if (bytes > *size) return FS_ERR_OBJ_NO_DATA;
+    std::copy(g_current.begin(), g_current.end(), out);
+    *size = bytes;
+    return FS_SUCCESS;
+  };
+  t.SizeofOSName = [](FSYS_HAND_STRUCT*, DBLK*, bool) -> FS_STATUS {
+    if (g_name_size_override >= 0) return static_cast<FS_STATUS>(g_name_size_override);
+    return static_cast<FS_STATUS>((g_name.size() + 1) * sizeof(wchar_t));
+  };
+  t.GetOSName = [](FSYS_HAND_STRUCT*, DBLK*, wchar_t* out, bool) -> FS_STATUS {
+    std::copy(g_name.c_str(), g_name.c_str() + g_name.size() + 1, out);
+    return FS_SUCCESS;
+  };
+  return t;
+}
+
+TEST_F(DleRules, ObjectsAreLookedUpByTheirPathAndMarkedOnce) {
+  ASSERT_EQ(DLE_AddSpecObj(dle_, L"*.o", DLE_RULE_PATTERN, 0x100), FS_SUCCESS);
+  ASSERT_EQ(DLE_AddSpecObj(dle_, L"build", DLE_RULE_PATH, 0x200), FS_SUCCESS);
+  ASSERT_EQ(DLE_AddSpecObj(dle_, L"src/main.o", DLE_RULE_PATH, 0x400), FS_SUCCESS);
+  ASSERT_EQ(DLE_AddSpecObj(dle_, L"**.obj", DLE_RULE_PATTERN, 0x800), FS_SUCCESS);
+  _FUNC_LIST table = path_table();
+  QB_CFG cfg{};
+  FSYS_HAND_STRUCT* hand = nullptr;
+  ASSERT_EQ(FS_OpenFileSys(&hand, 7, &cfg, &table), FS_SUCCESS);
+  hand->dle = dle_;
+  struct Case {
+    std::uint8_t kind;
+    std::vector<wchar_t> current;
+    std::wstring name;
+    int name_size;  // -1: the name's own
+    std::uint32_t flags_before;
+    std::uint32_t flags_after;
+  } const cases[] = {
+      {DBLK_KIND_FDB, {L's', L'r', L'c', 0}, L"main.o", -1, 0, 0x400},
+      {DBLK_KIND_FDB, {0}, L"a.o", -1, 0, 0x100},                 // in the root: the name alone
+      {DBLK_KIND_FDB, {L's', 0}, L"a.o", -1, 0, 0},               // one '*' stays in one component
+      {DBLK_KIND_FDB, {L's', 0}, L"a.obj", -1, 0, 0x800},         // "**" crosses them
+      {DBLK_KIND_DDB, {L'x', 0}, L"build", -1, 0, 0x200},         // a directory: its name alone
+      {DBLK_KIND_FDB, {0}, L"a.o", -1, 0x08000000, 0x08000000},   // marked already
+      {DBLK_KIND_FDB, {0}, L"a.o", -1, 0x10000000, 0x10000000},
+      {DBLK_KIND_FDB, {0}, L"a.o", 1020, 0, 0},                   // name too long for a file
+      {DBLK_KIND_DDB, {0}, L"build", 1040, 0, 0},                 // ... and for a directory
+      {DBLK_KIND_CFDB, {0}, L"a.o", -1, 0, 0},
+  };
+  for (auto const& c : cases) {
+    g_current = c.current;
+    g_name = c.name;
+    g_name_size_override = c.name_size;
+    DBLK blk{};
+    blk.blk_type = c.kind;
+    blk.obj_flags = c.flags_before;
+    FS_GetSpecialAttribs(hand, &blk);
+    EXPECT_EQ(blk.obj_flags, c.flags_after) << std::string(c.name.begin(), c.name.end());
+  }
+  g_name_size_override = -1;
+  hand->dle = nullptr;
+  FS_CloseFileSys(hand);
+}
+
+TEST_F(DleRules, TheWarningCacheAnswersTwoWays) {
+  _FUNC_LIST table = path_table();
+  QB_CFG cfg{};
+  FSYS_HAND_STRUCT* hand = nullptr;
+  ASSERT_EQ(FS_OpenFileSys(&hand, 7, &cfg, &table), FS_SUCCESS);
+  hand->dle = dle_;
+  DBLK blk{};
+  blk.blk_type = DBLK_KIND_FDB;
+  unsigned int flag = 77;
+  EXPECT_EQ(FS_GetAgentWarningFlag(hand, &blk, &flag), FS_ERR_NOT_SUPPORTED);  // no rules
+  EXPECT_EQ(flag, 0u);
+  ASSERT_EQ(DLE_AddAgentWarningObj(dle_, L"*.db", DLE_RULE_PATTERN, 5), FS_SUCCESS);
+  g_current = {0};
+  g_name = L"notes.txt";
+  EXPECT_EQ(FS_GetAgentWarningFlag(hand, &blk, &flag), FS_ERR_NOT_SUPPORTED);  // looked, nothing
+  EXPECT_EQ(blk.agent_warning, DBLK_WARNING_CACHED);
+  EXPECT_EQ(FS_GetAgentWarningFlag(hand, &blk, &flag), FS_SUCCESS);  // the cached answer
+  EXPECT_EQ(flag, 0u);
+  DBLK db{};
+  db.blk_type = DBLK_KIND_FDB;
+  g_name = L"live.db";
+  EXPECT_EQ(FS_GetAgentWarningFlag(hand, &db, &flag), FS_SUCCESS);
+  EXPECT_EQ(flag, 5u);
+  EXPECT_EQ(db.agent_warning, DBLK_WARNING_CACHED | 5u);
+  hand->dle = nullptr;
+  FS_CloseFileSys(hand);
+}
+
+}  // namespace
