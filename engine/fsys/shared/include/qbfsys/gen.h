@@ -179,3 +179,30 @@ struct SET_COPY_BLOB {
 // bytes. Returns 0; FS_ERR_NO_MEMORY (length and capacity become 0);
 // FS_ERR_BAD_PARAMETER for a null blob, or null data with a non-zero length.
 FS_EXPORT FS_STATUS GEN_LoadSetCopyBlob(std::uint32_t length, void const* data, SET_COPY_BLOB* blob);
+
+// ---- the handle and the remaining block operations -----------------------------
+// Line number of GEN_OpenSys's bad-parameter message.
+constexpr int GEN_OPEN_SYS_LINE = 76;
+// Installs an FS_FshGeneric adapter on the handle, which then serves every
+// operation through the handle's table. A handle that has an adapter
+// already keeps it (replacing it would lose the module's object). Returns 0,
+// also for a null handle (after printing "FS_FshGen: Bad Parameter at line
+// number %d" with GEN_OPEN_SYS_LINE) and when memory runs out (the handle
+// then goes on through its table alone).
+FS_EXPORT FS_STATUS GEN_OpenSys(FSYS_HAND_STRUCT* hand);
+// Clears the OS id, QBDS id and OS version of the request's creation data.
+// Returns 0 (FS_ERR_BAD_PARAMETER for a null request).
+FS_EXPORT FS_STATUS GEN_InitMakeData(FSYS_HAND_STRUCT* hand, short kind, _CREATE_DBLK* request);
+// The object type at byte 88 of a directory or file block. Return 0
+// (FS_ERR_BAD_PARAMETER for null arguments).
+FS_EXPORT FS_STATUS GEN_GetObjTypeDBLK(FSYS_HAND_STRUCT* hand, DBLK* blk, OBJECT_TYPE* type);
+FS_EXPORT FS_STATUS GEN_SetObjTypeDBLK(FSYS_HAND_STRUCT* hand, DBLK* blk, OBJECT_TYPE type);
+// Copies extended-attribute name `which` (GEN_EA_NAME_1 or 2) of a file
+// block with an extended-attribute sub-code into `buffer`; `*size` is the
+// capacity on entry and the name's size on return. Returns 0;
+// FS_ERR_NOT_SUPPORTED when the block has no such name; FS_ERR_OBJ_NO_DATA
+// (with `*size` the size needed) when the buffer is too small;
+// FS_ERR_BAD_PARAMETER for null arguments.
+FS_EXPORT FS_STATUS GEN_GetExtendedAttribFromDBLK(FSYS_HAND_STRUCT* hand, DBLK* blk,
+                                                  unsigned int which, void* buffer,
+                                                  unsigned int* size);

@@ -1,7 +1,8 @@
 // Restore-shaped use of the generic file system: blocks described by
-// creation requests, built through FS_CreateGenDBLK on a handle served by
-// FS_FshGen, read back through the accessors, names completed from name
-// streams fed in random pieces, duplicated and released, with no name
+// creation requests, built through FS_CreateGenDBLK on a handle of the
+// generic file system (its table behind the FS_FshGeneric adapter that its
+// open installs), read back through the accessors, names completed from
+// name streams fed in random pieces, duplicated and released, with no name
 // element left in use when the handle closes.
 #include <random>
 #include <string>
@@ -11,6 +12,7 @@
 
 #include "capture.h"
 #include "test_records.h"
+#include <fs_property_tree.h>
 #include <qbfsys/qbfsys.h>
 
 namespace {
@@ -31,8 +33,10 @@ struct BlockCase {
 class GenBlocks : public ::testing::Test {
  protected:
   void SetUp() override {
+    // The generic table's open installs the FS_FshGeneric adapter, which
+    // serves the handle through the table: the road a restore takes.
     ASSERT_EQ(FS_OpenFileSys(&hand_, 3, &cfg_, GetFuncTablePtr_GEN()), FS_SUCCESS);
-    hand_->adapter = new FS_FshGen;
+    ASSERT_NE(dynamic_cast<FS_FshGeneric*>(static_cast<FS_FshGen*>(hand_->adapter)), nullptr);
   }
   void TearDown() override {
     EXPECT_EQ(QueueCount(&hand_->in_use_name_q), 0) << "a name element was left in use";
@@ -98,6 +102,15 @@ TEST_F(GenBlocks, BuiltFromRequestsReadBackDuplicatedAndReleased) {
       EXPECT_EQ(blk.area.gen.ext.numeric.value[16], 99u);
     }
 
+    fs_property_tree_ptr tree = fs_property_tree_create("block");
+    ASSERT_EQ(hand_->adapter->GetDblkExtendedProperties(hand_, &blk, *tree), FS_SUCCESS) << c.what;
+    EXPECT_STREQ(tree->get_property("kind_name").at(0).get_str_val(),
+                 c.kind == DBLK_KIND_FDB ? L"FDB" : L"DDB");
+    EXPECT_EQ(tree->get_property("subtype").at(0).get_uint32_val(), c.subtype);
+    EXPECT_STREQ(tree->get_property("name").at(0).get_str_val(), L"restored.dat");
+    EXPECT_EQ(tree->get_property("display_size").at(0).get_uint64_val(), 4096u);
+    EXPECT_STREQ(tree->get_property("mdate").at(0).get_str_val(), L"2026-01-02 03:04:05.0000000");
+
     ASSERT_EQ(hand_->adapter->DupBlk(hand_, &blk, &copy), FS_SUCCESS);
     EXPECT_NE(copy.os_name, blk.os_name);
     EXPECT_NE(copy.area.gen.ext_name, blk.area.gen.ext_name);
@@ -142,6 +155,20 @@ TEST_F(GenBlocks, AnEncryptedNameCompletesFromItsStreamInRandomPieces) {
     EXPECT_EQ(std::memcmp(blk.os_name->buffer, name.data(), name.size()), 0);
     GEN_ReleaseBlk(hand_, &blk);
   }
+}
+
+TEST(GenOpenSys, InstallsTheGenericAdapterOnceAndSaysWhenThereIsNoHandle) {
+  qbtest::MessageCapture messages;
+  EXPECT_EQ(GEN_OpenSys(nullptr), FS_SUCCESS);
+  EXPECT_TRUE(messages.has(L"FS_FshGen: Bad Parameter at line number 76"));
+  FSYS_HAND_STRUCT hand{};
+  EXPECT_EQ(GEN_OpenSys(&hand), FS_SUCCESS);
+  FS_FshBase* const first = hand.adapter;
+  ASSERT_NE(first, nullptr);
+  EXPECT_EQ(GEN_OpenSys(&hand), FS_SUCCESS);
+  EXPECT_EQ(hand.adapter, first);  // an adapter the handle has is kept
+  EXPECT_EQ(first->CloseSys(&hand), FS_SUCCESS);
+  EXPECT_EQ(hand.adapter, nullptr);
 }
 
 TEST(GenMarks, MarkerBlocksCarryTheirFormatWords) {

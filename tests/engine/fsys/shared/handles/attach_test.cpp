@@ -149,6 +149,7 @@ TEST_F(HandleTest, DetachAnsweredWithExtErrorLeavesTheHandleAttached) {
 }
 
 TEST_F(HandleTest, ChildCheckRunsUnlessTheFlagSkipsIt) {
+  tables()[7].OpenSys = nullptr;  // served by the table alone, without the generic adapter
   tables()[7].AttachToDLE = [](FSYS_HAND_STRUCT*, GENERIC_DLE*, wchar_t*, wchar_t*) {
     return FS_SUCCESS;
   };
