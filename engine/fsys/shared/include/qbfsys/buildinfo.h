@@ -15,4 +15,5 @@ struct QB_BUILDINFO {
   char const* sanitizers;           // sanitizers compiled in, empty for none
 };
 
+// What this build of the layer is; static, never changes.
 extern "C" FS_EXPORT const QB_BUILDINFO buildinfo;

@@ -122,30 +122,79 @@ static_assert(sizeof(HEAD_DLE) == 520, "the head is one 520-byte block");
 static_assert(offsetof(HEAD_DLE, dle_q) == 0, "a head is also its top-level queue");
 
 // ---- navigation and search ------------------------------------------------
+// Walks. `includeHidden` false skips elements whose `hidden` is non-zero.
+// Each sets the cursor to the element found, or null at the end of the list
+// with FS_STATUS_NO_MORE_DLE; FS_ERR_BAD_PARAMETER for a null out/cursor.
+// The elements stay the tree's.
+// The first top-level element of the tree (null head: the end).
 FS_EXPORT FS_STATUS DLE_GetFirst(HEAD_DLE* head, GENERIC_DLE** out, bool includeHidden);
+// The sibling after / before `*cursor` (a null cursor: the end).
 FS_EXPORT FS_STATUS DLE_GetNext(GENERIC_DLE** cursor, bool includeHidden);
 FS_EXPORT FS_STATUS DLE_GetPrev(GENERIC_DLE** cursor, bool includeHidden);
+// The first child of `parent` (a null parent: the end).
 FS_EXPORT FS_STATUS DLE_GetFirstChild(GENERIC_DLE* parent, GENERIC_DLE** out, bool includeHidden);
+// The element's short name: its simple name when set, else the part of its
+// device name after the last delimiter (the whole name without one); null
+// for a null element or no name. The text is the element's own.
 FS_EXPORT wchar_t* DLE_GetSimpleName(GENERIC_DLE* dle);
 // Inserts into the head's top-level list in sibling order. Because a head
 // begins with its queue, the child queue of a DLE may be passed as the head.
 FS_EXPORT void DLE_QueueInsert(HEAD_DLE* head, GENERIC_DLE* dle);
+// Finds the element named `name` of type `type` (-1: any type; types 21
+// and 36 match each other), depth first below `parent` or in the whole tree,
+// children before their element. A match without the weak bit (DLE_WEAK)
+// ends the search; a weak match is kept until a later one replaces it. A
+// null name gives the head's default element. Returns FS_SUCCESS with
+// `*out` set, or FS_ERR_NOT_SUPPORTED when nothing matches (or there is no
+// default element).
 FS_EXPORT FS_STATUS DLE_FindByName(HEAD_DLE* head, wchar_t const* name, short type,
                                    GENERIC_DLE** out, GENERIC_DLE* parent);
+// Finds an element of the head's PDI list by name (and, in the second form,
+// by a second name too). FS_SUCCESS with `*out` set, or
+// FS_ERR_NOT_SUPPORTED for no match, a null head or a null name.
 FS_EXPORT FS_STATUS DLE_FindPdiByName(HEAD_DLE* head, wchar_t const* name, short ignored,
                                       GENERIC_DLE** out);
 FS_EXPORT FS_STATUS DLE_FindPdiByName(HEAD_DLE* head, wchar_t const* name,
                                       wchar_t const* secondName, short ignored, GENERIC_DLE** out);
 
 // ---- list maintenance -----------------------------------------------------
+// Creates the tree head and fills it by asking the file systems to find
+// their drives (DLE_UpdateList). The caller owns `*out` and frees it with
+// FS_DeinitDleList, also on failure when `*out` is set. Statuses:
+// FS_SUCCESS; FS_ERR_INIT_FAILED when no drive was found;
+// FS_ERR_BAD_PARAMETER for a null `out`; FS_ERR_NO_MEMORY.
 FS_EXPORT FS_STATUS FS_InitDleList(HEAD_DLE** out, QB_CFG* cfg);
+// Removes every element through its file system's remove operation and
+// frees the head. Nothing for a null head.
 FS_EXPORT void FS_DeinitDleList(HEAD_DLE* head);
+// Asks every file system, in the find_order passes, to find its drives; a
+// failing file system is reported and does not stop the others. Returns
+// FS_SUCCESS.
 FS_EXPORT FS_STATUS DLE_UpdateList(HEAD_DLE* head, QB_CFG* cfg);
+// Asks file system `fsIndex` alone to find its drives. Returns its status;
+// FS_ERR_UNIMPLEMENTED when it cannot; FS_ERR_BAD_PARAMETER (printed) for a
+// null head or configuration or an index above 50.
 FS_EXPORT FS_STATUS DLE_UpdateSingleDriveType(HEAD_DLE* head, QB_CFG* cfg, unsigned char fsIndex);
+// Asks file system `fsIndex` to add the children of `dle` (its object, else
+// its table slot); what that returns is not passed on. Returns FS_SUCCESS;
+// FS_ERR_NOT_SUPPORTED for an index above 50 or a file system that cannot;
+// FS_ERR_BAD_PARAMETER (printed) for a null DLE or configuration.
 FS_EXPORT FS_STATUS DLE_AddChildren(GENERIC_DLE* dle, unsigned short fsIndex, QB_CFG* cfg);
+// Marks unavailable the children of a machine element (type 7) that may be
+// remote: children of index 23, non-machine children other than remote
+// type-5 ones, and type-5 children that cannot be reached (state 2) unless
+// `flags` has FS_ATTACH_ALLOW_REMOTE. The result is, in this order: the
+// element's index-23 bits (DLE_FLAGS2_INDEX23 masked) when both are set, or
+// the element is no machine or has no children; 1 when the element is
+// local; else the walk's end status FS_STATUS_NO_MORE_DLE. 0 for null.
 FS_EXPORT std::uint32_t CheckChildren(GENERIC_DLE* dle, unsigned short flags);
-FS_EXPORT FS_STATUS DLE_Remove(HEAD_DLE* head, GENERIC_DLE* dle);
+// Removes `dle` and its subtree, children first, each through its own file
+// system's remove operation (which unlinks and frees it). Unless `force`,
+// an element whose subtree reported 1 (an element that stays) is kept.
+// Returns 1 when something stayed, else 0.
 FS_EXPORT FS_STATUS DLE_RemoveRecurse(GENERIC_DLE* dle, int force);
+// DLE_RemoveRecurse without force. Returns 0.
+FS_EXPORT FS_STATUS DLE_Remove(HEAD_DLE* head, GENERIC_DLE* dle);
 
 // Locality. FS_IsLocalMachine answers true for every name. FS_IsLocalDLE
 // answers non-zero unless the element's status flags carry
@@ -163,9 +212,11 @@ FS_EXPORT std::uint32_t FS_IsLocalDLE(GENERIC_DLE* dle);
 FS_EXPORT FS_STATUS DLE_Create(HEAD_DLE* head, GENERIC_DLE* parent, wchar_t const* deviceName,
                                std::uint32_t type, std::uint32_t subtype, wchar_t delimiter,
                                GENERIC_DLE** out);
-// Replaces one of the element's owned names (device, secondary, simple or
-// alternate) with a copy of `text` (null clears it).
 enum DLE_NAME_KIND { DLE_NAME_DEVICE, DLE_NAME_SECONDARY, DLE_NAME_SIMPLE, DLE_NAME_ALTERNATE };
+// Replaces one of the element's owned names (device, secondary, simple or
+// alternate) with a copy of `text` (null clears it); the element owns the
+// copy. Returns FS_SUCCESS; FS_ERR_BAD_PARAMETER for a null element or a
+// null device name; FS_ERR_NO_MEMORY.
 FS_EXPORT FS_STATUS DLE_SetName(GENERIC_DLE* dle, DLE_NAME_KIND kind, wchar_t const* text);
 // Frees the element's owned fields and the record. The element must already
 // be unlinked; its children are not touched.

@@ -117,15 +117,16 @@ FS_EXPORT FS_STATUS FS_CreateGenEODB(FSYS_HAND_STRUCT* hand, _CREATE_DBLK* reque
 FS_EXPORT FS_STATUS FS_CreateGenCFDB(FSYS_HAND_STRUCT* hand, _CREATE_DBLK* request);
 
 // ---- names -------------------------------------------------------------------
-// The name of a block, in bytes: 0xFFFFFFFF without an OS name element. A
+// Where a prefixed name is recognised (see GEN_SizeofName).
+constexpr std::uint8_t GEN_OSID_PREFIXED_BLANK = 32;
+constexpr std::uint8_t GEN_OSID_PREFIXED_Q = 81;
+constexpr std::uint32_t GEN_PREFIXED_SUBTYPE = 9;
+// The size of a block's name, in bytes: 0xFFFFFFFF without an OS name element. A
 // block with blk_subtype 9 whose os_id is GEN_OSID_PREFIXED_BLANK or
 // GEN_OSID_PREFIXED_Q and whose os_ver is non-zero keeps a prefixed name:
 // its buffer starts with a 16-bit length L and the name proper starts at
 // byte (L + 3) with the two low bits cleared; the size is then the element
 // size minus that offset (0 when the offset lies beyond the element).
-constexpr std::uint8_t GEN_OSID_PREFIXED_BLANK = 32;
-constexpr std::uint8_t GEN_OSID_PREFIXED_Q = 81;
-constexpr std::uint32_t GEN_PREFIXED_SUBTYPE = 9;
 FS_EXPORT FS_STATUS GEN_SizeofName(FSYS_HAND_STRUCT* hand, DBLK* blk, bool withPath);
 // Reads the block's name into `buffer` (direction 0): the name proper of a
 // prefixed name when its start lies inside the element, else the whole
