@@ -16,9 +16,6 @@ enum class Word { first, second };
 constexpr int kRead = 0;
 constexpr int kWrite = 1;
 
-bool is_object(DBLK const* blk) {
-  return blk->blk_type == DBLK_KIND_DDB || blk->blk_type == DBLK_KIND_FDB;
-}
 
 // The block's own word of a volume/set or corrupt-file block, else null.
 std::uint32_t* own_word(DBLK* blk, Word word) {
@@ -48,7 +45,7 @@ std::uint32_t ask_file_system(FSYS_HAND_STRUCT* hand, DBLK* blk, Word word, int 
 std::uint32_t get_word(FSYS_HAND_STRUCT* hand, DBLK* blk, Word word) {
   if (blk == nullptr) return 0;
   if (std::uint32_t* own = own_word(blk, word)) return *own;
-  if (!is_object(blk)) return 0;
+  if (!dblk_is_object(blk)) return 0;
   return ask_file_system(hand, blk, word, kRead, 0);
 }
 
@@ -56,7 +53,7 @@ void set_word(FSYS_HAND_STRUCT* hand, DBLK* blk, Word word, std::uint32_t value)
   if (blk == nullptr) return;
   if (std::uint32_t* own = own_word(blk, word)) {
     *own = value;
-  } else if (is_object(blk)) {
+  } else if (dblk_is_object(blk)) {
     ask_file_system(hand, blk, word, kWrite, value);
   }
 }
@@ -79,7 +76,7 @@ std::uint32_t mapped_flags(DBLK const* blk) {
 
 std::uint32_t FS_GetAttrib1FromDBLK(FSYS_HAND_STRUCT* hand, DBLK* blk) {
   std::uint32_t word = get_word(hand, blk, Word::first);
-  if (blk != nullptr && is_object(blk)) word |= mapped_flags(blk);
+  if (blk != nullptr && dblk_is_object(blk)) word |= mapped_flags(blk);
   return word;
 }
 

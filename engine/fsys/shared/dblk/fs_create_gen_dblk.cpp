@@ -32,7 +32,6 @@ bool local_to_utc(_DATE_TIME const& in, _DATE_TIME& out) {
   std::int64_t const ticks = static_cast<std::int64_t>(host.ticks());
   std::time_t const seconds = static_cast<std::time_t>((ticks - kUnixEpochTicks) / kTicksPerSecond);
 
-  tzset();
   std::tm broken{};
   if (localtime_r(&seconds, &broken) == nullptr) return false;
   broken.tm_isdst = 0;
@@ -66,6 +65,7 @@ std::uint16_t FS_CreateGenDBLK(FSYS_HAND_STRUCT* hand, unsigned int kind, _CREAT
   _DATE_TIME const* saved[kDateCount] = {};
   _DATE_TIME converted[kDateCount] = {};
   if (convert) {
+    tzset();  // once for all six dates: the zone cannot change in between
     for (int i = 0; i < kDateCount; ++i) {
       saved[i] = *slots.slot[i];
       if (is_present(saved[i]) && local_to_utc(*saved[i], converted[i]))

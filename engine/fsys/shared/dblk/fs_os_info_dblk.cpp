@@ -7,9 +7,7 @@
 #include "fs_dispatch.h"
 
 namespace {
-bool has_os_info(DBLK const* blk) {
-  return blk != nullptr && (blk->blk_type == DBLK_KIND_DDB || blk->blk_type == DBLK_KIND_FDB);
-}
+bool has_os_info(DBLK const* blk) { return blk != nullptr && dblk_is_object(blk); }
 
 void widen_into(unsigned short* out, std::uint8_t value) {
   if (out != nullptr) *out = value;
@@ -20,8 +18,7 @@ std::uint32_t FS_SizeofQbdsInfoInDBLK(FSYS_HAND_STRUCT* hand, DBLK* blk) {
   if (!has_os_info(blk)) return 0;
   FS_STATUS const size = fsys::dispatch(hand, &FS_FshBase::SizeofQbdsInfo,
                                         &_FUNC_LIST::SizeofOSInfo, FS_STATUS{0}, blk);
-  // The file system's count is a signed 16-bit value.
-  return static_cast<std::uint32_t>(static_cast<std::int32_t>(static_cast<std::int16_t>(size)));
+  return fsys::narrow_size(size);
 }
 
 std::uint32_t FS_SizeofOS_InfoInDBLK(FSYS_HAND_STRUCT* hand, DBLK* blk) {

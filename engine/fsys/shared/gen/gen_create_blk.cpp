@@ -4,10 +4,8 @@
 // A name that cannot be set up fails the creation but leaves the block
 // consistent: every element it got is recorded in it, so GEN_ReleaseBlk
 // gives everything back.
-#include <algorithm>
 #include <cstring>
 #include <cwchar>
-#include <iterator>
 
 #include <qbfsys/create_dblk.h>
 #include <qbfsys/dblk_names.h>
@@ -16,9 +14,6 @@
 
 namespace {
 
-constexpr std::uint32_t kEaSubtypes[] = {DBLK_SUBTYPE_EA_51,  DBLK_SUBTYPE_EA_52,
-                                         DBLK_SUBTYPE_EA_53,  DBLK_SUBTYPE_EA_54,
-                                         DBLK_SUBTYPE_EA_115, DBLK_SUBTYPE_EA_116};
 constexpr std::size_t kEaValueBytes = 16;
 constexpr std::uint32_t kWideChar = sizeof(wchar_t);
 constexpr std::uint32_t kEmptyWideName = kWideChar;  // a terminator alone
@@ -112,9 +107,7 @@ FS_STATUS create(FSYS_HAND_STRUCT* hand, _GEN_DBLK_DATA* data, std::uint8_t kind
     auto* name = static_cast<unsigned char*>(const_cast<void*>(d.name));
     status = FS_SetupOSPathOrNameInDBLK(hand, blk, name, d.name_size, 0);
   }
-  bool const ea = file && std::find(std::begin(kEaSubtypes), std::end(kEaSubtypes), d.blk_subtype) !=
-                              std::end(kEaSubtypes);
-  if (status == FS_SUCCESS && ea) status = set_ea_part(hand, blk, d);
+  if (status == FS_SUCCESS && file && dblk_is_ea_subtype(d.blk_subtype)) status = set_ea_part(hand, blk, d);
   if (file && d.blk_subtype == DBLK_SUBTYPE_NUMERIC && d.numeric != nullptr)
     gen.ext.numeric = *d.numeric;
   if (status == FS_SUCCESS) status = set_ext_name(hand, blk, d.ext_name);

@@ -22,9 +22,6 @@ FS_STATUS mod_field(int direction, DBLK* blk, T* value, T& field) {
   return FS_SUCCESS;
 }
 
-bool is_object(DBLK const* blk) {
-  return blk->blk_type == DBLK_KIND_DDB || blk->blk_type == DBLK_KIND_FDB;
-}
 
 }  // namespace
 
@@ -63,7 +60,7 @@ FS_STATUS GEN_GetFileVerFDB(FSYS_HAND_STRUCT*, DBLK*, unsigned int* version) {
 }
 
 FS_STATUS GEN_SizeofOSName(FSYS_HAND_STRUCT*, DBLK* blk, bool) {
-  if (blk == nullptr || !is_object(blk) || blk->os_name == nullptr) return 0;
+  if (blk == nullptr || !dblk_is_object(blk) || blk->os_name == nullptr) return 0;
   return blk->os_name->size;
 }
 

@@ -2,9 +2,7 @@
 // so a copy gets elements of its own and a release gives each back once.
 // The extended-attribute fields are only looked at for the sub-codes that
 // have them: for the numeric sub-code the same bytes hold numbers.
-#include <algorithm>
 #include <cstring>
-#include <iterator>
 
 #include <qbfsys/dblk.h>
 #include <qbfsys/dblk_names.h>
@@ -12,19 +10,6 @@
 #include <qbfsys/name_pool.h>
 
 namespace {
-
-bool has_ea_names(DBLK const* blk) {
-  constexpr std::uint32_t kEaSubtypes[] = {DBLK_SUBTYPE_EA_51,  DBLK_SUBTYPE_EA_52,
-                                           DBLK_SUBTYPE_EA_53,  DBLK_SUBTYPE_EA_54,
-                                           DBLK_SUBTYPE_EA_115, DBLK_SUBTYPE_EA_116};
-  return blk->blk_type == DBLK_KIND_FDB &&
-         std::find(std::begin(kEaSubtypes), std::end(kEaSubtypes), blk->blk_subtype) !=
-             std::end(kEaSubtypes);
-}
-
-bool has_ext_name(DBLK const* blk) {
-  return blk->blk_type == DBLK_KIND_FDB || blk->blk_type == DBLK_KIND_DDB;
-}
 
 // The element's copy in a fresh element, or null when memory runs out.
 FS_NAME_Q_ELEM* copy_of(FSYS_HAND_STRUCT* hand, FS_NAME_Q_ELEM const* element) {
@@ -39,11 +24,11 @@ FS_NAME_Q_ELEM* copy_of(FSYS_HAND_STRUCT* hand, FS_NAME_Q_ELEM const* element) {
 // could not be made (the fields not yet copied are cleared).
 bool own_names(FSYS_HAND_STRUCT* hand, DBLK* copy) {
   FS_NAME_Q_ELEM** fields[4] = {&copy->os_name, nullptr, nullptr, nullptr};
-  if (has_ea_names(copy)) {
+  if (dblk_has_ea_names(copy)) {
     fields[1] = &copy->area.gen.ext.ea.ea_name1;
     fields[2] = &copy->area.gen.ext.ea.ea_name2;
   }
-  if (has_ext_name(copy)) fields[3] = &copy->area.gen.ext_name;
+  if (dblk_is_object(copy)) fields[3] = &copy->area.gen.ext_name;
   bool ok = true;
   for (FS_NAME_Q_ELEM** field : fields) {
     if (field == nullptr || *field == nullptr) continue;
@@ -66,11 +51,11 @@ FS_STATUS GEN_DupBlk(FSYS_HAND_STRUCT* hand, DBLK* source, DBLK* copy) {
 FS_STATUS GEN_ReleaseBlk(FSYS_HAND_STRUCT* hand, DBLK* blk) {
   if (hand == nullptr || blk == nullptr) return FS_ERR_BAD_PARAMETER;
   FS_ReleaseOSPathOrNameInDBLK(hand, blk);
-  if (has_ea_names(blk)) {
+  if (dblk_has_ea_names(blk)) {
     FS_ReleaseExtendedAttribNameInGenDBLK(hand, blk, GEN_EA_NAME_1);
     FS_ReleaseExtendedAttribNameInGenDBLK(hand, blk, GEN_EA_NAME_2);
   }
-  if (has_ext_name(blk) && blk->area.gen.ext_name != nullptr)
+  if (dblk_is_object(blk) && blk->area.gen.ext_name != nullptr)
     FS_ReleasePathOrName(hand, &blk->area.gen.ext_name);
   return FS_SUCCESS;
 }

@@ -1,8 +1,6 @@
 // GEN_OpenSys, GEN_InitMakeData, the object type and the extended-attribute
 // names of GEN blocks.
-#include <algorithm>
 #include <cstring>
-#include <iterator>
 #include <new>
 
 #include <qbfsys/dblk_names.h>
@@ -43,13 +41,8 @@ FS_STATUS GEN_SetObjTypeDBLK(FSYS_HAND_STRUCT*, DBLK* blk, OBJECT_TYPE type) {
 
 FS_STATUS GEN_GetExtendedAttribFromDBLK(FSYS_HAND_STRUCT*, DBLK* blk, unsigned int which,
                                         void* buffer, unsigned int* size) {
-  constexpr std::uint32_t kEaSubtypes[] = {DBLK_SUBTYPE_EA_51,  DBLK_SUBTYPE_EA_52,
-                                           DBLK_SUBTYPE_EA_53,  DBLK_SUBTYPE_EA_54,
-                                           DBLK_SUBTYPE_EA_115, DBLK_SUBTYPE_EA_116};
   if (blk == nullptr || size == nullptr) return FS_ERR_BAD_PARAMETER;
-  bool const has_names = blk->blk_type == DBLK_KIND_FDB &&
-                         std::find(std::begin(kEaSubtypes), std::end(kEaSubtypes),
-                                   blk->blk_subtype) != std::end(kEaSubtypes);
+  bool const has_names = dblk_has_ea_names(blk);
   FS_NAME_Q_ELEM const* element = nullptr;
   if (has_names && which == GEN_EA_NAME_1) element = blk->area.gen.ext.ea.ea_name1;
   if (has_names && which == GEN_EA_NAME_2) element = blk->area.gen.ext.ea.ea_name2;

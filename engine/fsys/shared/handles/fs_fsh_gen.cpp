@@ -7,6 +7,8 @@
 #include <qbfsys/handles.h>
 #include <qbhost/zprintf.h>
 
+#include "fs_dispatch.h"
+
 namespace {
 
 constexpr FS_STATUS kOne = 1;
@@ -21,11 +23,6 @@ FS_STATUS unimplemented(int line) {
 FS_STATUS bad_parameter(int line) {
   QB_Zprintf(0, L"FS_FshGen: Bad Parameter at line number %d", line);
   return FS_ERR_BAD_PARAMETER;
-}
-
-// Sizes travel as signed 16-bit values.
-FS_STATUS narrow_size(FS_STATUS size) {
-  return static_cast<FS_STATUS>(static_cast<std::int32_t>(static_cast<std::int16_t>(size)));
 }
 
 }  // namespace
@@ -223,12 +220,12 @@ FS_STATUS FS_FshGen::GetObjTypeDBLK(FSYS_HAND_STRUCT* hand, DBLK* blk, OBJECT_TY
 
 FS_STATUS FS_FshGen::SizeofName(FSYS_HAND_STRUCT* hand, DBLK* blk, bool flag) {
   if (hand == nullptr || blk == nullptr) return bad_parameter(line_of(40));
-  return narrow_size(GEN_SizeofName(hand, blk, flag));
+  return fsys::narrow_size(GEN_SizeofName(hand, blk, flag));
 }
 
 FS_STATUS FS_FshGen::SizeofOSName(FSYS_HAND_STRUCT* hand, DBLK* blk, bool flag) {
   if (hand == nullptr || blk == nullptr) return bad_parameter(line_of(41));
-  return narrow_size(GEN_SizeofOSName(hand, blk, flag));
+  return fsys::narrow_size(GEN_SizeofOSName(hand, blk, flag));
 }
 
 FS_STATUS FS_FshGen::SizeofQbdsInfo(FSYS_HAND_STRUCT* hand, DBLK* blk) {
@@ -244,7 +241,7 @@ FS_STATUS FS_FshGen::GetQbdsInfoDBLK(FSYS_HAND_STRUCT* hand, DBLK* blk, unsigned
 }
 
 FS_STATUS FS_FshGen::GetActualSizeDBLK(FSYS_HAND_STRUCT* hand, DBLK* blk) {
-  return narrow_size(GEN_GetActualSizeDBLK(hand, blk));
+  return fsys::narrow_size(GEN_GetActualSizeDBLK(hand, blk));
 }
 
 FS_STATUS FS_FshGen::InitializeGOS(FSYS_HAND_STRUCT* /*hand*/, _GOS* /*gos*/) { return FS_SUCCESS; }

@@ -43,9 +43,6 @@ std::wstring date_text(_DATE_TIME const& d) {
   return text;
 }
 
-bool is_object(DBLK const* blk) {
-  return blk->blk_type == DBLK_KIND_DDB || blk->blk_type == DBLK_KIND_FDB;
-}
 
 }  // namespace
 
@@ -75,7 +72,7 @@ FS_STATUS FS_FshGeneric::GetDblkExtendedProperties(FSYS_HAND_STRUCT* hand, DBLK*
     if (blk->os_name != nullptr && blk->os_name->buffer != nullptr)
       tree.add_str_property("name", name_of(blk->os_name).c_str());
 
-    if (is_object(blk) && hand->funcTable != nullptr) {
+    if (dblk_is_object(blk) && hand->funcTable != nullptr) {
       if (hand->funcTable->GetDisplaySizeDBLK != nullptr)
         tree.add_uint64_property("display_size", GetDisplaySizeDBLK(hand, blk));
       struct Date {

@@ -5,6 +5,8 @@
 #include <qbfsys/handles.h>
 #include <qbhost/zprintf.h>
 
+#include "fs_dispatch.h"
+
 namespace {
 
 int line_of(int operation) { return FS_FSHLEGACY_LINE_BASE + operation; }
@@ -14,9 +16,6 @@ FS_STATUS bad_parameter(int line, FS_STATUS result) {
   return result;
 }
 
-FS_STATUS narrow_size(FS_STATUS size) {
-  return static_cast<FS_STATUS>(static_cast<std::int32_t>(static_cast<std::int16_t>(size)));
-}
 
 _FUNC_LIST const* table_of(FSYS_HAND_STRUCT const* hand) {
   return hand == nullptr ? nullptr : hand->funcTable;
@@ -310,14 +309,14 @@ FS_STATUS FS_FshLegacy::SizeofName(FSYS_HAND_STRUCT* hand, DBLK* blk, bool flag)
   if (hand == nullptr || blk == nullptr) return bad_parameter(line_of(40), 0);
   _FUNC_LIST const* table = table_of(hand);
   if (table == nullptr || table->SizeofName == nullptr) return FS_ERR_UNIMPLEMENTED;
-  return narrow_size(table->SizeofName(hand, blk, flag));  // slot 46
+  return fsys::narrow_size(table->SizeofName(hand, blk, flag));  // slot 46
 }
 
 FS_STATUS FS_FshLegacy::SizeofOSName(FSYS_HAND_STRUCT* hand, DBLK* blk, bool flag) {
   if (hand == nullptr || blk == nullptr) return bad_parameter(line_of(41), 0);
   _FUNC_LIST const* table = table_of(hand);
   if (table == nullptr || table->SizeofOSName == nullptr) return FS_ERR_UNIMPLEMENTED;
-  return narrow_size(table->SizeofOSName(hand, blk, flag));  // slot 47
+  return fsys::narrow_size(table->SizeofOSName(hand, blk, flag));  // slot 47
 }
 
 FS_STATUS FS_FshLegacy::SizeofQbdsInfo(FSYS_HAND_STRUCT* hand, DBLK* blk) {
@@ -339,7 +338,7 @@ FS_STATUS FS_FshLegacy::GetQbdsInfoDBLK(FSYS_HAND_STRUCT* hand, DBLK* blk, unsig
 FS_STATUS FS_FshLegacy::GetActualSizeDBLK(FSYS_HAND_STRUCT* hand, DBLK* blk) {
   _FUNC_LIST const* table = table_of(hand);
   if (table == nullptr || table->GetActualSizeDBLK == nullptr) return FS_ERR_UNIMPLEMENTED;
-  return narrow_size(table->GetActualSizeDBLK(hand, blk));  // slot 50
+  return fsys::narrow_size(table->GetActualSizeDBLK(hand, blk));  // slot 50
 }
 
 FS_STATUS FS_FshLegacy::InitializeGOS(FSYS_HAND_STRUCT* hand, _GOS* gos) {

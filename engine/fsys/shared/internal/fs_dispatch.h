@@ -10,6 +10,12 @@
 
 namespace fsys {
 
+// Sizes travel between the layer and the file systems as signed 16-bit
+// values in a status word: narrowed, then widened again.
+inline FS_STATUS narrow_size(FS_STATUS size) {
+  return static_cast<FS_STATUS>(static_cast<std::int32_t>(static_cast<std::int16_t>(size)));
+}
+
 // True when the handle can serve the operation: it has an adapter, or its
 // table has the slot.
 template <typename Slot>

@@ -189,6 +189,23 @@ static_assert(offsetof(DBLK, os_id) == 81, "os_id");
 static_assert(offsetof(DBLK, os_ver) == 82, "os_ver");
 static_assert(offsetof(DBLK, area) == DBLK_KIND_AREA_OFFSET, "per-kind area");
 
+// True for directory and file blocks: the kinds whose fields belong to a
+// file system.
+inline bool dblk_is_object(DBLK const* blk) {
+  return blk->blk_type == DBLK_KIND_DDB || blk->blk_type == DBLK_KIND_FDB;
+}
+// True for the file sub-codes whose GEN blocks carry extended-attribute
+// names (the extended record's GEN_EA_RECORD view).
+constexpr bool dblk_is_ea_subtype(std::uint32_t subtype) {
+  return subtype == DBLK_SUBTYPE_EA_51 || subtype == DBLK_SUBTYPE_EA_52 ||
+         subtype == DBLK_SUBTYPE_EA_53 || subtype == DBLK_SUBTYPE_EA_54 ||
+         subtype == DBLK_SUBTYPE_EA_115 || subtype == DBLK_SUBTYPE_EA_116;
+}
+// True for a GEN file block whose extended record holds attribute names.
+inline bool dblk_has_ea_names(DBLK const* blk) {
+  return blk->blk_type == DBLK_KIND_FDB && dblk_is_ea_subtype(blk->blk_subtype);
+}
+
 #define QB_DBLK_AT(field, offset) \
   static_assert(offsetof(DBLK, area) + offsetof(decltype(DBLK::area), field) == (offset), #field)
 QB_DBLK_AT(vcb.attrib1, 88);
