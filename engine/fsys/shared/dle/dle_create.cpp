@@ -5,6 +5,7 @@
 #include <cwchar>
 
 #include <qbfsys/dle.h>
+#include <qbfsys/dle_rules.h>
 
 namespace {
 
@@ -15,14 +16,6 @@ wchar_t* copy_text(wchar_t const* text, std::uint32_t* bytes) {
   std::wmemcpy(copy, text, n);
   if (bytes != nullptr) *bytes = static_cast<std::uint32_t>(n * sizeof(wchar_t));
   return copy;
-}
-
-void free_patterns(DLE_SPEC_PATTERN* p) {
-  while (p != nullptr) {
-    DLE_SPEC_PATTERN* next = p->next;
-    std::free(p);
-    p = next;
-  }
 }
 
 }  // namespace
@@ -86,9 +79,8 @@ FS_STATUS DLE_Create(HEAD_DLE* head, GENERIC_DLE* parent, wchar_t const* deviceN
 
 void DLE_Free(GENERIC_DLE* dle) {
   if (dle == nullptr) return;
-  free_patterns(dle->exclude_patterns);
-  delete dle->exclude_paths;
-  delete dle->agent_warnings;
+  DLE_RemoveSpecObjs(dle);
+  DLE_RemoveAgentWarningObjs(dle);
   if (dle->alt_name_owned) std::free(dle->alt_name);
   if (dle->fsys_data != nullptr && dle->fsys_data->destroy != nullptr)
     dle->fsys_data->destroy(dle->fsys_data);

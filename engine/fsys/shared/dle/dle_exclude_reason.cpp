@@ -1,18 +1,18 @@
 // DLE_GetExcludeReason and DLE_GetWarningReason: exact path first, then the
-// patterns in list order.
+// first matching pattern in list order. The patterns are reached through an
+// index (internal/rule_index.h) built on the first lookup, so that a list of
+// hundreds of patterns costs about what a short one does.
 #include <new>
 #include <string>
 
 #include <qbfsys/dle_rules.h>
-#include <qbfsys/fs_filespec.h>
+
+#include "../internal/rule_index.h"
 
 namespace {
 
 constexpr std::uint16_t kShortestPath = 5;  // bytes: anything shorter holds no name
 constexpr std::size_t kWideChar = sizeof(wchar_t);
-constexpr int kCaseInsensitive = 0;
-constexpr int kWholeName = 0;
-constexpr int kClassic = 0;
 
 // The path in component form, also splitting at the DLE's delimiter; empty
 // when there is nothing to look up.
@@ -26,10 +26,21 @@ std::wstring lookup_key(GENERIC_DLE const* dle, wchar_t const* path, short pathB
   return key;
 }
 
-bool matches(std::wstring& key, wchar_t* pattern, std::size_t patternChars) {
-  return FS_CompareFileSpec(key.data(), static_cast<short>(key.size() + 1), pattern,
-                            static_cast<short>(patternChars), kCaseInsensitive, kWholeName,
-                            kClassic) == FS_SPEC_MATCH;
+std::vector<fsys::RuleIndex::Pattern> exclusion_patterns(GENERIC_DLE* dle) {
+  std::vector<fsys::RuleIndex::Pattern> patterns;
+  for (DLE_SPEC_PATTERN* p = dle->exclude_patterns; p != nullptr; p = p->next) {
+    // A negative size cannot be compared; such an entry never matches.
+    if (p->size < 0) continue;
+    patterns.push_back({p->pattern, static_cast<std::size_t>(p->size) / kWideChar, p->reason});
+  }
+  return patterns;
+}
+
+std::vector<fsys::RuleIndex::Pattern> warning_patterns(GENERIC_DLE* dle) {
+  std::vector<fsys::RuleIndex::Pattern> patterns;
+  for (auto& [pattern, reason] : dle->agent_warnings->patterns)
+    patterns.push_back({pattern.data(), pattern.size(), reason});
+  return patterns;
 }
 
 }  // namespace
@@ -42,10 +53,10 @@ std::uint32_t DLE_GetExcludeReason(GENERIC_DLE* dle, wchar_t const* path, short 
       auto const found = dle->exclude_paths->find(key);
       if (found != dle->exclude_paths->end()) return found->second;
     }
-    for (DLE_SPEC_PATTERN* p = dle->exclude_patterns; p != nullptr; p = p->next) {
-      if (p->size < 0) continue;
-      if (matches(key, p->pattern, static_cast<std::size_t>(p->size) / kWideChar)) return p->reason;
-    }
+    if (dle->exclude_patterns == nullptr) return 0;
+    std::uint32_t reason = 0;
+    fsys::indexed_first_match(dle, dle->exclude_index, exclusion_patterns, key, &reason);
+    return reason;
   } catch (std::bad_alloc const&) {
   }
   return 0;
@@ -59,9 +70,10 @@ std::uint32_t DLE_GetWarningReason(GENERIC_DLE* dle, wchar_t const* path, short 
     DLE_AGENT_WARNINGS& rules = *dle->agent_warnings;
     auto const found = rules.paths.find(key);
     if (found != rules.paths.end()) return found->second;
-    for (auto& [pattern, reason] : rules.patterns) {
-      if (matches(key, pattern.data(), pattern.size())) return reason;
-    }
+    if (rules.patterns.empty()) return 0;
+    std::uint32_t reason = 0;
+    fsys::indexed_first_match(dle, dle->warning_index, warning_patterns, key, &reason);
+    return reason;
   } catch (std::bad_alloc const&) {
   }
   return 0;

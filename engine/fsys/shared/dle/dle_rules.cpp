@@ -10,6 +10,8 @@
 
 #include <qbfsys/dle_rules.h>
 
+#include "../internal/rule_index.h"
+
 namespace {
 
 constexpr std::size_t kWideChar = sizeof(wchar_t);
@@ -39,6 +41,7 @@ FS_STATUS append_pattern(GENERIC_DLE* dle, std::wstring const& text, std::uint32
   entry->reason = reason;
   entry->size = static_cast<std::int16_t>(bytes);
   std::memcpy(entry->pattern, text.c_str(), bytes);
+  fsys::free_rule_index(dle->exclude_index);
   DLE_SPEC_PATTERN** tail = &dle->exclude_patterns;
   while (*tail != nullptr) tail = &(*tail)->next;
   *tail = entry;
@@ -70,6 +73,7 @@ void DLE_RemoveSpecObjs(GENERIC_DLE* dle) {
   }
   delete dle->exclude_paths;
   dle->exclude_paths = nullptr;
+  fsys::free_rule_index(dle->exclude_index);
 }
 
 FS_STATUS DLE_AddAgentWarningObj(GENERIC_DLE* dle, wchar_t const* rule, DLE_RULE_KIND kind,
@@ -80,6 +84,7 @@ FS_STATUS DLE_AddAgentWarningObj(GENERIC_DLE* dle, wchar_t const* rule, DLE_RULE
     if (text.empty()) return FS_ERR_BAD_PARAMETER;
     if (dle->agent_warnings == nullptr) dle->agent_warnings = new DLE_AGENT_WARNINGS;
     if (kind == DLE_RULE_PATTERN) {
+      fsys::free_rule_index(dle->warning_index);
       dle->agent_warnings->patterns.emplace_back(std::move(text), reason);
     } else {
       dle->agent_warnings->paths[text] = reason;
@@ -94,4 +99,5 @@ void DLE_RemoveAgentWarningObjs(GENERIC_DLE* dle) {
   if (dle == nullptr) return;
   delete dle->agent_warnings;
   dle->agent_warnings = nullptr;
+  fsys::free_rule_index(dle->warning_index);
 }

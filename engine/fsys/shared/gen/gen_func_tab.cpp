@@ -47,6 +47,10 @@ _FUNC_LIST make_gen_table() {
   t.FindObjClose = GEN_FindClose;
   t.GetExtendedErrorInfo = GEN_GetExtendedErrorInfo;
   t.GetExtendedAttribFromDBLK = GEN_GetExtendedAttribFromDBLK;
+  t.InitializeGOS = STUB_InitGOS;
+  t.SizeofVolumeQbdsInfoInVCB = GEN_SizeofVolumeQbdsInfoInVCB;
+  t.GetVolumeQbdsInfoFromVCB = GEN_GetVolumeQbdsInfoFromVCB;
+  t.GetVolb = GEN_GetVolb;
   return t;
 }
 }  // namespace

@@ -385,7 +385,7 @@ FS_STATUS FS_FshGen::EnumSpecFiles(FSYS_HAND_STRUCT* /*hand*/, FS_WCSTRING_VECTO
 
 FS_STATUS FS_FshGen::GetVolb(FSYS_HAND_STRUCT* hand, DBLK* blk) {
   if (hand == nullptr || blk == nullptr) return bad_parameter(line_of(73));
-  return unimplemented(line_of(73));  // no generic operation yet
+  return GEN_GetVolb(hand, blk);
 }
 
 FS_STATUS FS_FshGen::GenericInfo(FSYS_HAND_STRUCT* /*hand*/, unsigned int /*number*/,

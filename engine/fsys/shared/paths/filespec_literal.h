@@ -39,12 +39,16 @@ class Folder {
   // True when only 'A'..'Z' change: then exactly 'x' and 'X' fold to a
   // lower-case ASCII letter 'x', and any other value has itself alone.
   bool ascii_only() const noexcept { return table_ == ascii_fold_table(); }
+  // True when both fold through the same table.
+  bool same_as(Folder const& other) const noexcept { return table_ == other.table_; }
 
  private:
   const std::int32_t* table_;
 #else
   wchar_t operator()(wchar_t c) const noexcept { return lib_tolower(c); }
   bool ascii_only() const noexcept { return false; }
+  // The library folds through no table we can compare, so never.
+  bool same_as(Folder const&) const noexcept { return false; }
 #endif
 };
 

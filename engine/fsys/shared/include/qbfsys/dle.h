@@ -59,6 +59,9 @@ struct DLE_AGENT_WARNINGS {
   std::vector<std::pair<std::wstring, std::uint32_t>> patterns;
 };
 
+// An index over a rule set's patterns, built by the layer on first lookup.
+struct DLE_RULE_INDEX;
+
 // Data a file system hangs on its DLEs; `destroy` frees it with the DLE.
 struct DLE_FSYS_DATA {
   void (*destroy)(DLE_FSYS_DATA* self);
@@ -97,10 +100,14 @@ struct GENERIC_DLE {
   wchar_t* alt_name;                // alternate (display) name
   DLE_UNSELECT_RECORD* unselect;    // owned, may be null
 
-  // Rules about the objects below the element.
+  // Rules about the objects below the element. Change them only through
+  // DLE_AddSpecObj, DLE_AddAgentWarningObj and their removal calls: those
+  // also drop the indexes that lookups build over the patterns.
   DLE_SPEC_PATTERN* exclude_patterns;   // owned list
   DLE_EXCLUDE_PATHS* exclude_paths;     // owned, may be null
   DLE_AGENT_WARNINGS* agent_warnings;   // owned, may be null
+  DLE_RULE_INDEX* exclude_index;        // owned, may be null
+  DLE_RULE_INDEX* warning_index;        // owned, may be null
 
   DLE_FSYS_DATA* fsys_data;         // owned by the file system, freed with the element
 };

@@ -207,3 +207,24 @@ FS_EXPORT FS_STATUS GEN_SetObjTypeDBLK(FSYS_HAND_STRUCT* hand, DBLK* blk, OBJECT
 FS_EXPORT FS_STATUS GEN_GetExtendedAttribFromDBLK(FSYS_HAND_STRUCT* hand, DBLK* blk,
                                                   unsigned int which, void* buffer,
                                                   unsigned int* size);
+
+// ---- volume-level answers --------------------------------------------------
+// The generic file system keeps no device-name tree and stores nothing of
+// its own in volume control blocks.
+
+// The initialise-GOS slot of the generic table: nothing to set up. Returns 0.
+FS_EXPORT FS_STATUS STUB_InitGOS(FSYS_HAND_STRUCT* hand, _GOS* gos);
+// No per-volume data in a volume control block: size 0. Returns 0.
+FS_EXPORT FS_STATUS GEN_SizeofVolumeQbdsInfoInVCB(FSYS_HAND_STRUCT* hand, _ZRTSCB* vcb);
+// No per-volume data to copy: leaves `buffer` alone. Returns 0.
+FS_EXPORT FS_STATUS GEN_GetVolumeQbdsInfoFromVCB(FSYS_HAND_STRUCT* hand, _ZRTSCB* vcb,
+                                                 unsigned char* buffer);
+// Without a device-name tree there is no volume block to fill:
+// FS_ERR_UNIMPLEMENTED, the block untouched.
+FS_EXPORT FS_STATUS GEN_GetVolb(FSYS_HAND_STRUCT* hand, DBLK* blk);
+// Objects read from media through the generic file system are not links:
+// `*size` (bytes, in: room of `target`) becomes 0 and `target`, when it has
+// room for one character, the empty string. Returns 0; null arguments are
+// skipped.
+FS_EXPORT FS_STATUS GEN_GetObjectLinkTarget(FSYS_HAND_STRUCT* hand, DBLK* blk, wchar_t* target,
+                                            unsigned int* size);

@@ -1,5 +1,11 @@
 // Exclusion and agent-warning rules: which rule gives the reason, and how
 // an object's path is built from a handle's current path and its name.
+#include <locale.h>
+
+#include <cstdlib>
+#include <memory>
+#include <random>
+#include <type_traits>
 #include <string>
 #include <vector>
 
@@ -178,6 +184,65 @@ TEST_F(DleRules, TheWarningCacheAnswersTwoWays) {
   EXPECT_EQ(db.agent_warning, DBLK_WARNING_CACHED | 5u);
   hand->dle = nullptr;
   FS_CloseFileSys(hand);
+}
+
+// The patterns are found through an index; its answer must be the plain
+// walk's, the first pattern in list order that FS_CompareFileSpec accepts,
+// for every rule list and path, under any locale, and after the rules change.
+TEST_F(DleRules, IndexedLookupAgreesWithThePlainWalk) {
+  char const* seed_text = std::getenv("QB_TEST_SEED");
+  unsigned const seed = seed_text != nullptr ? static_cast<unsigned>(std::atoi(seed_text)) : 20261123u;
+  SCOPED_TRACE("QB_TEST_SEED=" + std::to_string(seed));
+  std::mt19937 rng(seed);
+  wchar_t const alphabet[] = L"aAbB.c/*?~";
+  auto random_text = [&](std::size_t most, std::size_t kinds) {
+    std::wstring text(1 + rng() % most, L'a');
+    for (wchar_t& c : text) c = alphabet[rng() % kinds];
+    return text;
+  };
+  std::unique_ptr<std::remove_pointer_t<locale_t>, void (*)(locale_t)> const utf8(
+      newlocale(LC_CTYPE_MASK, "C.UTF-8", static_cast<locale_t>(nullptr)), [](locale_t l) {
+        uselocale(LC_GLOBAL_LOCALE);
+        if (l != static_cast<locale_t>(nullptr)) freelocale(l);
+      });
+  std::vector<std::pair<std::wstring, std::uint32_t>> rules;  // component form
+  int matched = 0;
+  for (int round = 0; round < 40; ++round) {
+    if (round % 10 == 0) {
+      DLE_RemoveSpecObjs(dle_);
+      DLE_RemoveAgentWarningObjs(dle_);
+      rules.clear();
+    }
+    for (int i = 0, n = 1 + static_cast<int>(rng() % 30); i < n; ++i) {
+      std::wstring rule = random_text(8, 10);
+      std::uint32_t const reason = 1 + static_cast<std::uint32_t>(rules.size());
+      if (DLE_AddSpecObj(dle_, rule.c_str(), DLE_RULE_PATTERN, reason) != FS_SUCCESS) continue;
+      ASSERT_EQ(DLE_AddAgentWarningObj(dle_, rule.c_str(), DLE_RULE_PATTERN, reason), FS_SUCCESS);
+      while (!rule.empty() && rule.front() == L'/') rule.erase(0, 1);
+      for (wchar_t& c : rule) c = c == L'/' ? L'\0' : c;
+      rules.emplace_back(rule + L'\0', reason);
+    }
+    if (utf8 != nullptr) uselocale(round % 2 ? utf8.get() : LC_GLOBAL_LOCALE);
+    for (int i = 0; i < 500; ++i) {
+      Path path = components(random_text(12, 8));
+      // Exclusion patterns are compared with their terminator, warning
+      // patterns (held as strings) without it.
+      auto first_match = [&](std::size_t terminator) -> std::uint32_t {
+        for (auto& [pattern, reason] : rules) {
+          if (FS_CompareFileSpec(path.text.data(), static_cast<short>(path.text.size()), pattern.data(),
+                                 static_cast<short>(pattern.size() - 1 + terminator), 0, 0, 0) == FS_SPEC_MATCH)
+            return reason;
+        }
+        return 0;
+      };
+      std::uint32_t const expected = first_match(1);
+      matched += expected != 0;
+      ASSERT_EQ(DLE_GetExcludeReason(dle_, path.text.data(), path.bytes()), expected)
+          << "round " << round << " path " << std::wstring(path.text.begin(), path.text.end()).c_str();
+      ASSERT_EQ(DLE_GetWarningReason(dle_, path.text.data(), path.bytes()), first_match(0));
+    }
+  }
+  EXPECT_GT(matched, 1000);  // the draw must exercise matches, not only misses
 }
 
 }  // namespace

@@ -116,7 +116,8 @@ TEST(Exports, ImportsComeOnlyFromTheHostRuntimesAndDependencies) {
   // The C and C++ runtimes; sanitized builds import some of these unversioned
   // because the sanitizer runtime intercepts them.
   std::vector<std::regex> runtime = {
-      std::regex("^(operator (new|delete)|__cxa_|__gxx_|_Unwind_|__stack_chk_|__errno_location)"),
+      std::regex("^(operator (new|delete)|__cxa_|__gxx_|_Unwind_|__stack_chk_|__errno_location|"
+                 "__tls_get_addr)"),
       std::regex("^(dl(open|sym|close|error)|pthread_[a-z_]+|(gm|local)time_r|mktime|tzset|"
                  "timezone|malloc|calloc|realloc|free|abort|[v]?s[nw]?printf|"
                  "(mem|str|wcs|wmem)[a-z]*)$"),

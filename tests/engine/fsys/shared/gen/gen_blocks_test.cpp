@@ -124,10 +124,27 @@ TEST_F(GenBlocks, BuiltFromRequestsReadBackDuplicatedAndReleased) {
   EXPECT_EQ(GEN_CreateDBLK(hand_, DBLK_KIND_CFDB, &other), 1u);  // not a GEN object kind
 }
 
+// The name arrives as a stream encrypted by the host cipher: the block stays
+// incomplete until the last piece, then holds the decrypted name.
 TEST_F(GenBlocks, AnEncryptedNameCompletesFromItsStreamInRandomPieces) {
+  static unsigned char const key[] = "a backup set's name key";
+  ZYM_ENCRYPTION_CONTEXT* writer = ZymCreateContext(key, sizeof key, nullptr, 0);
+  ZYM_ENCRYPTION_CONTEXT* reader = ZymCreateContext(key, sizeof key, nullptr, 0);
+  ASSERT_EQ(FS_PrepCryptEnv(hand_, reader), ZYM_OK);
   std::mt19937 random(11);
   std::vector<unsigned char> const name = wide(L"from the stream");
   for (int round = 0; round < 50; ++round) {
+    ZymResetEncryptionIV(writer);
+    ZymResetEncryptionIV(reader);
+    std::vector<unsigned char> stream(FS_NAME_STREAM_HEADER + name.size(), 0);
+    unsigned int produced = 0;
+    ASSERT_EQ(ZymEncrypt(writer, name.data(), static_cast<unsigned int>(name.size()),
+                         stream.data() + FS_NAME_STREAM_HEADER, static_cast<unsigned int>(name.size()),
+                         &produced), ZYM_OK);
+    ASSERT_NE(std::memcmp(stream.data() + FS_NAME_STREAM_HEADER, name.data(), name.size()), 0);
+    ASSERT_EQ(produced, name.size());
+    stream[FS_NAME_STREAM_LENGTH_AT] = static_cast<unsigned char>(name.size());
+
     DBLK blk{};
     _CREATE_DBLK request;
     FS_SetDefaultDBLK(hand_, DBLK_KIND_FDB, 0, &request);
@@ -137,12 +154,13 @@ TEST_F(GenBlocks, AnEncryptedNameCompletesFromItsStreamInRandomPieces) {
     EXPECT_EQ(GEN_IsBlkComplete(hand_, &blk), 0u);
 
     STREAM_INFO header{};
-    FS_InitStrmInfo(&header, STRM_FILE_NAME, 0, static_cast<unsigned>(name.size()));
+    FS_InitStrmInfo(&header, STRM_FILE_NAME, 0, static_cast<unsigned>(stream.size()));
+    header.tf_attrib = STREAM_TF_ENCRYPTED_NAME;
     std::size_t at = 0;
     while (GEN_IsBlkComplete(hand_, &blk) == 0) {
-      ASSERT_LT(at, name.size()) << "round " << round << ": the stream ended, the block is still incomplete";
-      std::vector<unsigned char> piece(name.begin() + static_cast<long>(at),
-                                       name.begin() + static_cast<long>(std::min(name.size(), at + 1 + random() % 9)));
+      ASSERT_LT(at, stream.size()) << "round " << round << ": the stream ended, the block is still incomplete";
+      std::vector<unsigned char> piece(stream.begin() + static_cast<long>(at),
+                                       stream.begin() + static_cast<long>(std::min(stream.size(), at + 1 + random() % 9)));
       unsigned int len = static_cast<unsigned int>(piece.size());
       // Each piece answers 0: more wanted, or, for the last, the name set up.
       STREAM_INFO continued{};  // id 0: the same stream goes on
@@ -150,11 +168,14 @@ TEST_F(GenBlocks, AnEncryptedNameCompletesFromItsStreamInRandomPieces) {
                 FS_SUCCESS);
       at += len;
     }
-    EXPECT_EQ(at, name.size());
+    EXPECT_EQ(at, stream.size());
     ASSERT_EQ(GEN_IsBlkComplete(hand_, &blk), 1u);
-    EXPECT_EQ(std::memcmp(blk.os_name->buffer, name.data(), name.size()), 0);
+    EXPECT_EQ(std::memcmp(blk.os_name->buffer, name.data(), name.size()), 0) << "round " << round;
     GEN_ReleaseBlk(hand_, &blk);
   }
+  hand_->cryptContext = nullptr;
+  ZymDestroyContext(writer);
+  ZymDestroyContext(reader);
 }
 
 TEST(GenOpenSys, InstallsTheGenericAdapterOnceAndSaysWhenThereIsNoHandle) {
