@@ -11,3 +11,4 @@ cmake --build --preset asan
 ctest --preset asan
 cmake --preset release >/dev/null
 cmake --build --preset release
+bash scripts/check_sdk.sh

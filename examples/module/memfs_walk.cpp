@@ -1,0 +1,139 @@
+// Walking the tree: the current directory, its listing, and the blocks that
+// describe what the listing finds.
+//
+// Paths are in the layer's component form: each component ended by a NUL,
+// `size` bytes with the last terminator; the root alone is one empty
+// component (4 bytes). A listing hands out every entry of the current
+// directory (the module ignores the specification: a module that filters
+// would match it with FS_CompareFileSpec) and ends with FS_STATUS_NONE.
+#include <cstring>
+#include <cwchar>
+
+#include "memfs.h"
+
+namespace memfs {
+namespace {
+
+constexpr std::size_t kWide = sizeof(wchar_t);
+
+Node const* child_named(Node const& dir, std::wstring const& name) {
+  for (Node const& child : dir.children)
+    if (child.name == name) return &child;
+  return nullptr;
+}
+
+// Gives back the name element of a block this module filled before.
+void release_name(FSYS_HAND_STRUCT* fsh, HandleState& state, DBLK* blk) {
+  if (blk->os_name == nullptr || state.names.erase(blk->os_name) == 0) return;
+  GEN_ReleaseBlk(fsh, blk);
+}
+
+FS_STATUS fill_block(FSYS_HAND_STRUCT* fsh, HandleState& state, DBLK* blk, Node const& node) {
+  release_name(fsh, state, blk);
+  char const kind = node.directory ? DBLK_KIND_DDB : DBLK_KIND_FDB;
+  _CREATE_DBLK request;
+  FS_SetDefaultDBLK(fsh, kind, 0, &request);
+  request.dblk = blk;
+  request.gen.dblk = blk;
+  request.gen.display_size = node.data.size();
+  request.gen.name_char_type = DBLK_NAME_WIDE;
+  request.gen.name = node.name.c_str();
+  request.gen.name_size = static_cast<std::uint16_t>((node.name.size() + 1) * kWide);
+  FS_STATUS const status = GEN_CreateDBLK(fsh, static_cast<unsigned char>(kind), &request);
+  if (blk->os_name != nullptr) state.names.insert(blk->os_name);
+  if (status != FS_SUCCESS) return status;
+  return GEN_SetObjTypeDBLK(fsh, blk, node.directory ? FS_OBJ_DIRECTORY : FS_OBJ_FILE);
+}
+
+}  // namespace
+
+Node const* memfs_entry_of(HandleState const& state, DBLK const* blk) {
+  if (blk == nullptr || blk->os_name == nullptr || blk->os_name->buffer == nullptr) return nullptr;
+  auto const* name = reinterpret_cast<wchar_t const*>(blk->os_name->buffer);
+  std::size_t const chars = blk->os_name->size / kWide;
+  return child_named(*state.path.back(), std::wstring(name, wcsnlen(name, chars)));
+}
+
+FS_STATUS memfs_change_dir(FSYS_HAND_STRUCT* fsh, wchar_t* path, short size) {
+  HandleState* state = memfs_state(fsh);
+  if (state == nullptr || path == nullptr || size < static_cast<short>(kWide)) return FS_ERR_BAD_PARAMETER;
+  std::vector<Node const*> walk{&memfs_root()};
+  std::size_t const chars = static_cast<std::size_t>(size) / kWide;
+  for (std::size_t at = 0; at < chars;) {
+    std::size_t const end = wcsnlen(path + at, chars - at) + at;
+    if (end > at) {
+      Node const* next = child_named(*walk.back(), std::wstring(path + at, end - at));
+      if (next == nullptr || !next->directory) return FS_ERR_NOT_SUPPORTED;
+      walk.push_back(next);
+    }
+    at = end + 1;
+  }
+  state->path = walk;
+  state->cursor = 0;
+  return FS_SUCCESS;
+}
+
+FS_STATUS memfs_change_into_ddb(FSYS_HAND_STRUCT* fsh, DBLK* blk) {
+  HandleState* state = memfs_state(fsh);
+  if (state == nullptr) return FS_ERR_BAD_PARAMETER;
+  Node const* entry = memfs_entry_of(*state, blk);
+  if (entry == nullptr || !entry->directory) return FS_ERR_NOT_SUPPORTED;
+  state->path.push_back(entry);
+  state->cursor = 0;
+  return FS_SUCCESS;
+}
+
+FS_STATUS memfs_change_dir_up(FSYS_HAND_STRUCT* fsh) {
+  HandleState* state = memfs_state(fsh);
+  if (state == nullptr) return FS_ERR_BAD_PARAMETER;
+  if (state->path.size() == 1) return FS_ERR_NOT_SUPPORTED;  // at the root
+  state->path.pop_back();
+  state->cursor = 0;
+  return FS_SUCCESS;
+}
+
+FS_STATUS memfs_get_current_path(FSYS_HAND_STRUCT* fsh, wchar_t* path, short* size) {
+  HandleState* state = memfs_state(fsh);
+  if (state == nullptr || path == nullptr || size == nullptr) return FS_ERR_BAD_PARAMETER;
+  std::wstring form;
+  for (std::size_t i = 1; i < state->path.size(); ++i) form += state->path[i]->name + L'\0';
+  if (form.empty()) form.push_back(L'\0');
+  std::size_t const bytes = form.size() * kWide;
+  if (*size < 0 || bytes > static_cast<std::size_t>(*size)) {
+    *size = static_cast<short>(bytes);
+    return FS_ERR_OBJ_NO_DATA;
+  }
+  std::memcpy(path, form.data(), bytes);
+  *size = static_cast<short>(bytes);
+  return FS_SUCCESS;
+}
+
+FS_STATUS memfs_find_first(FSYS_HAND_STRUCT* fsh, DBLK* blk, wchar_t*, unsigned short) {
+  HandleState* state = memfs_state(fsh);
+  if (state == nullptr || blk == nullptr) return FS_ERR_BAD_PARAMETER;
+  state->cursor = 0;
+  return memfs_find_next(fsh, blk);
+}
+
+FS_STATUS memfs_find_next(FSYS_HAND_STRUCT* fsh, DBLK* blk) {
+  HandleState* state = memfs_state(fsh);
+  if (state == nullptr || blk == nullptr) return FS_ERR_BAD_PARAMETER;
+  std::vector<Node> const& entries = state->path.back()->children;
+  if (state->cursor >= entries.size()) return FS_STATUS_NONE;
+  return fill_block(fsh, *state, blk, entries[state->cursor++]);
+}
+
+FS_STATUS memfs_find_close(FSYS_HAND_STRUCT* fsh, DBLK*) {
+  HandleState* state = memfs_state(fsh);
+  if (state != nullptr) state->cursor = 0;
+  return FS_SUCCESS;
+}
+
+FS_STATUS memfs_release_blk(FSYS_HAND_STRUCT* fsh, DBLK* blk) {
+  HandleState* state = memfs_state(fsh);
+  if (state == nullptr || blk == nullptr) return FS_ERR_BAD_PARAMETER;
+  release_name(fsh, *state, blk);
+  return FS_SUCCESS;
+}
+
+}  // namespace memfs
