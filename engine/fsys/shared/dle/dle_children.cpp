@@ -1,6 +1,7 @@
 // Children of a DLE: DLE_AddChildren, CheckChildren, and the locality
 // answers they rely on.
 #include <qbfsys/dle.h>
+#include <qbfsys/handles.h>
 #include <qbfsys/registry.h>
 
 #include "fs_print.h"
@@ -33,18 +34,18 @@ FS_STATUS DLE_AddChildren(GENERIC_DLE* dle, unsigned short fsIndex, QB_CFG* cfg)
 std::uint32_t CheckChildren(GENERIC_DLE* dle, unsigned short flags) {
   if (dle == nullptr) return 0;
   std::uint32_t m = dle->flags2 & DLE_FLAGS2_INDEX23;
-  if (m == DLE_FLAGS2_INDEX23 || (dle->type & 0xFFu) != 7 || dle->child_q.q_count == 0) return m;
+  if (m == DLE_FLAGS2_INDEX23 || (dle->type & DLE_TYPE_BYTE_MASK) != DLE_TYPE_LOCAL || dle->child_q.q_count == 0) return m;
   if (std::uint32_t local = FS_IsLocalDLE(dle)) return local;
 
   GENERIC_DLE* child = nullptr;
   FS_STATUS status = DLE_GetFirstChild(dle, &child, false);
   while (status == FS_SUCCESS) {
-    std::uint32_t type = child->type & 0xFFu;
+    std::uint32_t type = child->type & DLE_TYPE_BYTE_MASK;
     if ((child->flags2 & DLE_FLAGS2_INDEX23) == DLE_FLAGS2_INDEX23) {
       child->status_flags |= DLE_STATUS_UNAVAILABLE;
-    } else if (type == 5) {
-      if (child->state == 2 && (flags & 0x04) == 0) child->status_flags |= DLE_STATUS_UNAVAILABLE;
-    } else if (type != 7) {
+    } else if (type == DLE_TYPE_REMOTE_MACHINE) {
+      if (child->state == DLE_STATE_UNREACHABLE && (flags & FS_ATTACH_ALLOW_REMOTE) == 0) child->status_flags |= DLE_STATUS_UNAVAILABLE;
+    } else if (type != DLE_TYPE_LOCAL) {
       child->status_flags |= DLE_STATUS_UNAVAILABLE;
     }
     status = DLE_GetNext(&child, false);

@@ -8,7 +8,13 @@ namespace {
 
 constexpr std::uint32_t kWeak = DLE_WEAK;
 
-bool is_21_or_36(std::uint32_t t) { return t == 21 || t == 36; }
+bool is_instance(std::uint32_t t) { return t == DLE_TYPE_INSTANCE || t == DLE_TYPE_INSTANCE_ALT; }
+
+bool names_a_path(std::uint32_t subtype) {
+  for (std::uint32_t s : DLE_SUBTYPE_INSTANCE_PATHS)
+    if (subtype == s) return true;
+  return false;
+}
 
 bool equal(wchar_t const* a, wchar_t const* b) { return QB::stricmp_internal(a, b) == 0; }
 bool equal_n(wchar_t const* a, wchar_t const* b, std::size_t n) {
@@ -63,13 +69,14 @@ bool matches_instance_name(GENERIC_DLE const* d, wchar_t const* name) {
 bool matches(GENERIC_DLE const* d, wchar_t const* name, bool anyType, std::uint32_t wanted) {
   if (d->device_name == nullptr) return false;
   std::uint32_t dt = d->type & ~kWeak;
-  if (!(is_21_or_36(wanted) && is_21_or_36(dt)) && !anyType && wanted != dt) return false;
-  if (!is_21_or_36(d->type)) {
-    if (d->type == 5 && d->subtype == 4) return matches_share_root(d, name);
+  if (!(is_instance(wanted) && is_instance(dt)) && !anyType && wanted != dt) return false;
+  if (!is_instance(d->type)) {
+    if (d->type == DLE_TYPE_REMOTE_MACHINE && d->subtype == DLE_SUBTYPE_SHARE_HOST)
+      return matches_share_root(d, name);
     return equal(name, d->device_name);
   }
   std::uint32_t st = d->subtype & ~kWeak;
-  if (st == 12 || st == 9 || st == 6) return matches_instance_path(d, name);
+  if (names_a_path(st)) return matches_instance_path(d, name);
   return matches_instance_name(d, name);
 }
 

@@ -19,7 +19,7 @@ void GEN_FlushDLEs(HEAD_DLE* head, unsigned char fsIndex) {
   for (_Q_ELEM* e = QueueHead(&head->dle_q); e != nullptr; e = next) {
     next = e->q_next;
     GENERIC_DLE* dle = reinterpret_cast<GENERIC_DLE*>(e);
-    if ((dle->type & 0xFFu) != fsIndex) continue;
+    if ((dle->type & DLE_TYPE_BYTE_MASK) != fsIndex) continue;
     bool child_attached = false;
     for (_Q_ELEM* c = QueueHead(&dle->child_q); c != nullptr; c = c->q_next)
       if (reinterpret_cast<GENERIC_DLE*>(c)->attach_count != 0) child_attached = true;

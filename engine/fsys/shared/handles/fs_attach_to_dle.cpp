@@ -55,14 +55,10 @@ bool machine_name_is_local(GENERIC_DLE* dle) {
 bool is_remote(GENERIC_DLE* dle) {
   if (machine_name_is_local(dle)) return false;
   if ((dle->flags2 & DLE_FLAGS2_INDEX23) != DLE_FLAGS2_INDEX23) {
-    switch (dle->type & 0xFFu) {
-      case 1: case 2: case 3: case 4: case 6: case 7:
-        return false;
-      case 5:
-        return true;
-      default:
-        break;
-    }
+    std::uint32_t const type = dle->type & DLE_TYPE_BYTE_MASK;
+    if (type == DLE_TYPE_REMOTE_MACHINE) return true;
+    for (std::uint32_t local : DLE_TYPES_NEVER_REMOTE)
+      if (type == local) return false;
   }
   dle->status_flags |= DLE_STATUS_UNAVAILABLE;
   return false;
@@ -112,7 +108,7 @@ FS_STATUS FS_AttachToDLE(FSYS_HAND_STRUCT** out, GENERIC_DLE* dle, QB_CFG* cfg, 
   hand->attachContext = attachContext;
   hand->snapshot = snapshot;
   hand->attachArg = attachArg;
-  hand->stateFlags |= 2;
+  hand->stateFlags |= HAND_STATE_BOUND;
   hand->ipc = ipc;
   hand->attachText->clear();
   hand->attachBool = attachBool;
@@ -122,14 +118,14 @@ FS_STATUS FS_AttachToDLE(FSYS_HAND_STRUCT** out, GENERIC_DLE* dle, QB_CFG* cfg, 
 
   FS_STATUS const result = fsys::call_attach(hand, dle, user, password);
 
-  if (attachFlags != 32 && attachFlags != 33 && DLE_FsysIndex(dle) != 7)
+  if (!FS_AttachSkipsInitWait(attachFlags) && DLE_FsysIndex(dle) != DLE_TYPE_LOCAL)
     FS_BlockWaitForInitThreads(dle->head, 1);
 
   // FS_STATUS_EXT_ERROR counts as attached: the caller reads the details
   // from the handle.
   if (result != FS_SUCCESS && result != FS_STATUS_EXT_ERROR) return give_up(hand, result);
 
-  if (remote && (attachFlags & FS_ATTACH_ALLOW_REMOTE) == 0 && dle->state == 2) {
+  if (remote && (attachFlags & FS_ATTACH_ALLOW_REMOTE) == 0 && dle->state == DLE_STATE_UNREACHABLE) {
     ++dle->attach_count;
     dle->status_flags |= DLE_STATUS_UNAVAILABLE;
     if (FS_DetachDLE(hand) == FS_STATUS_EXT_ERROR) {

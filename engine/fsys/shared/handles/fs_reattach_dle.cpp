@@ -52,7 +52,7 @@ FS_STATUS FS_ReattachDLE(FSYS_HAND_STRUCT* hand, _FUNC_LIST* table, GENERIC_DLE*
   hand->ipc = old->ipc;
   hand->head = dle->head;
   fsys::set_root_path(hand);
-  hand->stateFlags |= 2;
+  hand->stateFlags |= HAND_STATE_BOUND;
   hand->attachText->clear();
 
   if (fsys::cannot_attach(hand)) {

@@ -33,6 +33,23 @@ constexpr std::uint32_t DLE_FEATURE1_UNSELECTED = 0x40000000;  // carries an uns
 constexpr std::uint32_t DLE_FEATURE2_NO_ATTACH = 0x4000;  // not attached when expanded
 constexpr std::uint8_t DLE_NAME_FLAG_ALTERNATE = 0x80;   // display the alternate name
 
+// Type bytes (and subtypes) that the layer itself tests; every other value
+// belongs to the file system that made the element.
+constexpr std::uint32_t DLE_TYPE_BYTE_MASK = 0xFF;
+constexpr std::uint32_t DLE_TYPE_REMOTE_MACHINE = 5;  // a machine reached over the network
+constexpr std::uint32_t DLE_SUBTYPE_SHARE_HOST = 4;   // type 5: also found as "name\share"
+constexpr std::uint32_t DLE_TYPE_LOCAL = 7;           // this machine and its file systems
+// Database instances: the two types stand for each other in name searches.
+constexpr std::uint32_t DLE_TYPE_INSTANCE = 21;
+constexpr std::uint32_t DLE_TYPE_INSTANCE_ALT = 36;
+// Instance subtypes whose names read "host\path(instance)": found by the
+// part from '(' on.
+constexpr std::uint32_t DLE_SUBTYPE_INSTANCE_PATHS[] = {6, 9, 12};
+// `state` of a remote element that cannot be reached.
+constexpr std::uint32_t DLE_STATE_UNREACHABLE = 2;
+// Types that are never remote machines: attaching does not check them.
+constexpr std::uint32_t DLE_TYPES_NEVER_REMOTE[] = {1, 2, 3, 4, 6, DLE_TYPE_LOCAL};
+
 // An unselect record: why an element was deselected (the third member).
 struct DLE_UNSELECT_RECORD {
   std::uint64_t reserved0;
@@ -87,7 +104,7 @@ struct GENERIC_DLE {
   std::uint32_t flags2;             // second flag word
   std::uint16_t attach_count;       // handles attached to the element
   std::uint16_t attach_reserved;
-  std::uint32_t state;              // 2: a remote element that cannot be reached
+  std::uint32_t state;              // DLE_STATE_UNREACHABLE or the file system's own
   std::uint32_t top_level_flag;     // non-zero: kept in the head's second queue
   std::uint8_t name_flags;          // DLE_NAME_FLAG_ALTERNATE
   std::uint8_t dataId;
@@ -231,7 +248,7 @@ FS_EXPORT void DLE_Free(GENERIC_DLE* dle);
 // The owning file-system index: 23 for both bits 0x60 of flags2, else the
 // type byte.
 inline unsigned DLE_FsysIndex(GENERIC_DLE const* dle) {
-  return (dle->flags2 & DLE_FLAGS2_INDEX23) == DLE_FLAGS2_INDEX23 ? 23u : (dle->type & 0xFFu);
+  return (dle->flags2 & DLE_FLAGS2_INDEX23) == DLE_FLAGS2_INDEX23 ? 23u : (dle->type & DLE_TYPE_BYTE_MASK);
 }
 // The name shown to people: the alternate name when the name flags say so
 // and it is set, else the device name (may be null).

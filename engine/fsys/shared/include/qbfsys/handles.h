@@ -25,6 +25,15 @@ constexpr FS_STATUS FS_ERR_ATTACH_REFUSED = 0xE000FE1A;
 // Attach flag bits.
 constexpr std::uint32_t FS_ATTACH_ALLOW_REMOTE = 0x04;  // keep a remote type-5 machine
 constexpr std::uint32_t FS_ATTACH_NO_CHECKS = 0x20;     // skip locality and child checks
+constexpr std::uint32_t FS_ATTACH_LOW_BIT = 0x01;
+// A flag word of exactly FS_ATTACH_NO_CHECKS, alone or with FS_ATTACH_LOW_BIT,
+// also skips the wait for the host's initialisation threads.
+constexpr bool FS_AttachSkipsInitWait(std::uint32_t flags) {
+  return flags == FS_ATTACH_NO_CHECKS || flags == (FS_ATTACH_NO_CHECKS | FS_ATTACH_LOW_BIT);
+}
+
+// Handle state bits (FSYS_HAND_STRUCT::stateFlags).
+constexpr std::uint8_t HAND_STATE_BOUND = 0x02;  // set by every successful binding
 
 // The IPC handle a host may pass at attach: non-zero `failure` means the IPC
 // channel was not opened.
@@ -60,7 +69,7 @@ struct FSYS_HAND_STRUCT {
   wchar_t* lastMsg;                // owned list of strings, ended by an empty one
   std::int32_t lastMsgLen;         // characters used, terminators included
   std::int32_t lastMsgCap;         // bytes
-  std::uint8_t stateFlags;         // bit value 2: bound by an attach
+  std::uint8_t stateFlags;         // HAND_STATE_*
   wcstring* workText;              // owned
   std::uint32_t attachArg;
   FSYS_HAND_STRUCT* previousState; // pushed aside by FS_ReattachDLE
