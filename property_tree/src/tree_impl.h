@@ -147,8 +147,13 @@ class fs_property_tree_impl final : public fs_property_tree_base_impl {
 // The tree implementation behind an interface pointer.
 fs_property_tree_base_impl const& tree_impl_of(fs_property_tree const* t);
 
-// Parses UTF-8 XML text: checks the encoding and the nesting depth first.
-// The document keeps pointers into `buffer`, which must stay alive.
+// Parses the NUL-terminated UTF-8 XML text[0, size) in place, after the
+// character and markup checks of xml_check.h with `depth_limit` levels of
+// nesting; closing tags must match, and a second root element is refused.
+// The document keeps pointers into `text`, which must stay alive. Throws
+// std::runtime_error or the parser's error.
+void parse_document(char* text, std::size_t size, unsigned depth_limit, xml_document& doc);
+// The same over a buffer made by buffer_of, with the document nesting limit.
 void parse_document(std::vector<char>& buffer, xml_document& doc);
 
 }  // namespace property_tree_details

@@ -1,10 +1,10 @@
 // Text forms of the string, bool, GUID, binary and xml values in XML.
 #include <cstring>
-#include <rapidxml/rapidxml_print.hpp>
 #include <qbhost/base64.h>
 #include <qbhost/strings.h>
 #include "property_impl.h"
-#include "xml_depth.h"
+#include "tree_impl.h"
+#include "xml_print.h"
 
 namespace property_tree_details {
 
@@ -81,38 +81,40 @@ void fs_property_tree_value_bin_impl::serialize(xml_document& doc, xml_node* ele
   element->value(doc.allocate_string(text.data(), text.size()), text.size());
 }
 
-// The fragment is the element's content as compact XML text.
+// The fragment is the element's content as printed, without indentation.
 void fs_property_tree_value_xml_impl::load_xml(xml_node* element) {
-  std::string text;
-  for (xml_node* child = element->first_node(); child != nullptr; child = child->next_sibling())
-    rapidxml::print(std::back_inserter(text), *child, rapidxml::print_no_indenting);
-  if (element->first_node() == nullptr && element->value_size() != 0)
-    text.assign(element->value(), element->value_size());
+  std::string text = print_content(element);
   value_ = wide_of(text.data(), text.size());
 }
 
 // The fragment becomes the element's content: parsed inside a wrapper element
-// (so that text and several elements are allowed) and its nodes cloned into
-// the document. A fragment that is not well-formed XML is refused.
+// (so that text and several elements are allowed) with the checks of a
+// document load, and its nodes cloned into the document. A fragment that is
+// not well-formed XML is refused, and so is one nested so deep that the
+// document would exceed the nesting a load accepts: the element holding it
+// sits at level depth + 2 below the document (root element, then one level
+// per tree), and the wrapper counts as one level.
 void fs_property_tree_value_xml_impl::serialize(xml_document& doc, xml_node* element) const {
   if (value_.empty()) return;
   cstring utf8;
   utf8.assign(value_.data(), value_.size(), cstring::UTF8);
   static char const open[] = "<r>", close[] = "</r>";
-  std::size_t size = 3 + utf8.size() + 4;
+  std::size_t const open_size = sizeof open - 1, close_size = sizeof close - 1;
+  std::size_t size = open_size + utf8.size() + close_size;
   char* buffer = doc.allocate_string(nullptr, size + 1);
-  std::memcpy(buffer, open, 3);
-  std::memcpy(buffer + 3, utf8.data(), utf8.size());
-  std::memcpy(buffer + 3 + utf8.size(), close, 4);
+  std::memcpy(buffer, open, open_size);
+  std::memcpy(buffer + open_size, utf8.data(), utf8.size());
+  std::memcpy(buffer + open_size + utf8.size(), close, close_size);
   buffer[size] = '\0';
-  std::string problem = check_xml_depth(buffer, size, fs_property_tree_max_depth);
+  unsigned const element_level = owner()->tree()->depth() + 2;
+  unsigned const wrapper_level = 1;
+  unsigned const limit = fs_property_tree_max_xml_depth - element_level + wrapper_level;
+  std::string problem;
   xml_document fragment;
-  if (problem.empty()) {
-    try {
-      fragment.parse<0>(buffer);
-    } catch (rapidxml::parse_error const& e) {
-      problem = e.what();
-    }
+  try {
+    parse_document(buffer, size, limit, fragment);
+  } catch (std::exception const& e) {
+    problem = e.what();
   }
   xml_node* wrapper = fragment.first_node();
   if (problem.empty() && (wrapper == nullptr || wrapper->next_sibling() != nullptr))
