@@ -5,6 +5,9 @@
 //            4  its de-initialise operation throws
 //   HM_UNDEFINED_DATA  it reads a variable that no library defines, so the
 //                      loader refuses it even with lazy binding
+//   HM_UNDEFINED_CALL  its initialise operation calls a function that no
+//                      library defines: with lazy binding it loads, and the
+//                      process dies at the call
 #include <stdexcept>
 
 #include <qbfsys/fs_dle_base.h>
@@ -22,10 +25,18 @@ extern "C" int hm_no_library_defines_this;
 FS_MODULE_EXPORT int hm_read_undefined() { return hm_no_library_defines_this; }
 #endif
 
+#ifdef HM_UNDEFINED_CALL
+extern "C" int hm_no_library_defines_this_function();
+#endif
+
 namespace {
 FS_STATUS init(QB_CFG*) {
   if (HM_THROW == 2) throw std::runtime_error("hostile init");
+#ifdef HM_UNDEFINED_CALL
+  return static_cast<FS_STATUS>(hm_no_library_defines_this_function());
+#else
   return 0;
+#endif
 }
 FS_STATUS deinit() {
   if (HM_THROW == 4) throw std::runtime_error("hostile deinit");
