@@ -1,4 +1,4 @@
-// The XML form of a tree: writing (serialize_fields and the printer) and
+// The XML form of a tree: writing (write_fields through the writer) and
 // reading (load_fields over a parsed document).
 #include <algorithm>
 #include <cstring>
@@ -75,7 +75,9 @@ xml_node* root_element(xml_document& doc) {
   return root;
 }
 
-void parse_document(char* text, std::size_t size, unsigned depth_limit, xml_document& doc) {
+void parse_document(std::vector<char>& buffer, unsigned depth_limit, xml_document& doc) {
+  char* text = buffer.data();
+  std::size_t const size = buffer.size() - 1;
   std::string problem = check_characters(text, size);
   if (problem.empty()) problem = check_markup(text, size, depth_limit);
   if (!problem.empty()) throw std::runtime_error(problem);
@@ -88,10 +90,6 @@ void parse_document(char* text, std::size_t size, unsigned depth_limit, xml_docu
     if (n->type() == rapidxml::node_element)
       throw std::runtime_error("the XML text has a second root element '" +
                                std::string(n->name(), n->name_size()) + "'");
-}
-
-void parse_document(std::vector<char>& buffer, xml_document& doc) {
-  parse_document(buffer.data(), buffer.size() - 1, fs_property_tree_max_xml_depth, doc);
 }
 
 // One walk over the children: an element whose name is a property still
@@ -155,14 +153,19 @@ fs_property_tree_base_impl::load_fields(xml_node* node) {
 }
 
 text_buffer fs_property_tree_base_impl::serialize_utf8() const {
-  char const* root_name = *name() != '\0' ? name() : "null_tree";
-  xml_document doc;
-  xml_node* root =
-      doc.allocate_node(rapidxml::node_element, root_name, nullptr, std::strlen(root_name), 0);
-  doc.append_node(root);
-  serialize_fields(doc, root);
+  std::string_view root_name = *name() != '\0' ? name() : "null_tree";
   text_buffer text;
-  print_xml(&doc, text);
+  xml_writer w(text);
+  w.raw('<');
+  w.raw(root_name);
+  if (items_.empty()) {
+    w.raw("/>", 2);
+  } else {
+    w.raw(">\n", 2);
+    write_fields(w, 1);
+    w.close(root_name);
+  }
+  w.raw("\n\n", 2);
   return text;
 }
 
@@ -190,7 +193,7 @@ template <class Ch>
 void load_into(fs_property_tree_base_impl& tree, Ch const* text) {
   std::vector<char> buffer = buffer_of(text);
   xml_document doc;
-  parse_document(buffer, doc);
+  parse_document(buffer, fs_property_tree_max_xml_depth, doc);
   auto loaded = tree.load_fields(root_element(doc));
   tree.replace_contents(std::move(loaded.first), std::move(loaded.second));
 }
