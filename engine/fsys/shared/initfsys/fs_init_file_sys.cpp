@@ -1,7 +1,7 @@
 // FS_InitFileSys: resets the registry to the generic table, loads the modules
 // the host names, merges their tables and initialises every file system.
 //
-// Choices where the contract is silent:
+// Choices made here, and why:
 // - An empty module name is not handed to the dynamic loader (which would
 //   return the main program); it is reported as a module that could not be
 //   loaded, with the code of a missing file.
@@ -41,7 +41,7 @@ namespace {
 
 constexpr char kTracePath[] = "engine/fsys/shared/initfsys";
 constexpr int kMaxTablesPerModule = 4096;
-// Source lines of the traces this file adds to the specified ones.
+// Source lines of the traces beside the override and load traces.
 constexpr int kTraceLineOpenFailed = 404;
 constexpr int kTraceLineNoEntryPoint = 425;
 constexpr int kTraceLineTablesThrew = 512;
