@@ -22,7 +22,8 @@ struct ToolRun {
 
 // Runs the tool under a time limit (a hang ends with status 124).
 ToolRun qbfs(std::string const& args) {
-  std::string err_file = ::testing::TempDir() + "qbfs_tool_err.txt";
+  // One file per process: ctest runs the tests of this binary side by side.
+  std::string err_file = ::testing::TempDir() + "qbfs_tool_err." + std::to_string(getpid());
   std::string command = std::string("timeout 30 '") + QBFS_PATH + "' " + args + " 2>'" + err_file + "'";
   ToolRun run{-1, {}, {}};
   FILE* pipe = popen(command.c_str(), "r");
@@ -124,11 +125,15 @@ std::ostream& operator<<(std::ostream& os, refusal_case const& c) { return os <<
 class Refusal : public ::testing::TestWithParam<refusal_case> {
  protected:
   static void SetUpTestSuite() {
-    scratch_ = ::testing::TempDir() + "qbfs_refusals";
+    scratch_ = ::testing::TempDir() + "qbfs_refusals." + std::to_string(getpid());
     mkdir(scratch_.c_str(), 0700);
     mkfifo((scratch_ + "/fifo").c_str(), 0600);
     std::ofstream(scratch_ + "/text.so") << std::string(256, 'x');
     std::ofstream(scratch_ + "/tree.xml") << "<r/>";
+  }
+  static void TearDownTestSuite() {
+    for (char const* f : {"/fifo", "/text.so", "/tree.xml"}) unlink((scratch_ + f).c_str());
+    rmdir(scratch_.c_str());
   }
   static std::string scratch_;
 };
