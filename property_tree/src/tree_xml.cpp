@@ -4,6 +4,7 @@
 #include <cstring>
 #include <string_view>
 #include <unordered_map>
+#include <vector>
 #include <qbhost/strings.h>
 #include "check_prop_name.h"
 #include "tree_impl.h"
@@ -97,24 +98,29 @@ void parse_document(std::vector<char>& buffer, unsigned depth_limit, xml_documen
 // property's next value, any other element starts a property. This takes the
 // same elements as searching the following siblings by name for each
 // property, without walking the siblings again for every value.
+// During the walk names are looked up in a hash table: a lookup in the
+// ordered name index chases a pointer per level, and in a tree of many
+// properties each of those misses the cache. The index is built once at the
+// end, in name order, each node put at the end of the map.
 std::pair<fs_property_tree_base_impl::items_type, fs_property_tree_base_impl::index_type>
 fs_property_tree_base_impl::load_fields(xml_node* node) {
   struct owed {
-    fs_property_tree_property_base_impl* property;
     unsigned long count;  // the values promised
     unsigned long taken;  // the values read so far
   };
   items_type props = new_items();
-  index_type index = new_index();
-  std::unordered_map<std::string_view, owed> pending;
+  std::vector<owed> owing;  // by property, in document order
+  std::unordered_map<std::string_view, std::size_t> position;  // name to property
+  std::size_t still_owed = 0;
   for (xml_node* e = node->first_node(); e != nullptr; e = e->next_sibling()) {
     if (e->type() != rapidxml::node_element) continue;
     std::string_view name(e->name(), e->name_size());
-    if (!pending.empty()) {
-      auto owing = pending.find(name);
-      if (owing != pending.end()) {
-        owing->second.property->load_new_xml_value(e);
-        if (++owing->second.taken == owing->second.count) pending.erase(owing);
+    auto [slot, added] = position.try_emplace(name, props.size());
+    if (!added) {
+      owed& o = owing[slot->second];
+      if (o.taken < o.count) {
+        props[slot->second]->load_new_xml_value(e);
+        if (++o.taken == o.count) --still_owed;
         continue;
       }
     }
@@ -123,32 +129,39 @@ fs_property_tree_base_impl::load_fields(xml_node* node) {
     extract_type_and_count(e, &type, &count);
     fs_property_type kind = settle_kind(e, type);
     check_prop_name(e->name(), e->name_size());
-    auto slot = index.lower_bound(name);
-    if (slot != index.end() && slot->first == name)
+    if (!added)
       throw duplicate_property_name(std::string("duplicate name used in add ") +
                                     info(kind).dup_word + " property call");
     check_count(props.size() + 1);
     sp property = make_property(kind, this, std::string(name), props.size());
+    owing.push_back(owed{count, 0});
     if (count > 0) {
       // Room reserved for a few values only: a hostile count must not take
       // more memory than the elements present, which are not counted first
       // (a second walk over a large document costs more than regrowing).
       property->reserve_values(std::min<std::size_t>(count, 8));
       property->load_new_xml_value(e);
-      if (count > 1) pending.emplace(name, owed{property.get(), count, 1});
+      owing.back().taken = 1;
+      if (count > 1) ++still_owed;
     }
-    index.emplace_hint(slot, property->name_string(), property);
     props.push_back(std::move(property));
   }
-  if (!pending.empty()) {
-    // The first property in document order that is short of elements.
-    owed const* first = nullptr;
-    for (auto const& p : pending)
-      if (first == nullptr || p.second.property->index() < first->property->index()) first = &p.second;
-    throw std::runtime_error("property '" + first->property->name_string() + "' has count " +
-                             std::to_string(first->count) + " but only " +
-                             std::to_string(first->taken) + " elements");
+  if (still_owed != 0) {
+    for (std::size_t i = 0; i < owing.size(); ++i) {
+      if (owing[i].taken < owing[i].count)
+        throw std::runtime_error("property '" + props[i]->name_string() + "' has count " +
+                                 std::to_string(owing[i].count) + " but only " +
+                                 std::to_string(owing[i].taken) + " elements");
+    }
   }
+  // Taken from the properties, which lie in the pool in document order.
+  std::vector<std::pair<std::string_view, std::size_t>> sorted;
+  sorted.reserve(props.size());
+  for (std::size_t i = 0; i < props.size(); ++i) sorted.emplace_back(props[i]->name_string(), i);
+  std::sort(sorted.begin(), sorted.end(),
+            [](auto const& a, auto const& b) { return name_order()(a.first, b.first); });
+  index_type index = new_index();
+  for (auto const& [name, at] : sorted) index.emplace_hint(index.end(), props[at]->name_string(), props[at]);
   return {std::move(props), std::move(index)};
 }
 
