@@ -161,7 +161,8 @@ fs_property_tree_base_impl::load_fields(xml_node* node) {
   std::sort(sorted.begin(), sorted.end(),
             [](auto const& a, auto const& b) { return name_order()(a.first, b.first); });
   index_type index = new_index();
-  for (auto const& [name, at] : sorted) index.emplace_hint(index.end(), props[at]->name_string(), props[at]);
+  for (auto const& entry : sorted)
+    index.emplace_hint(index.end(), props[entry.second]->name_string(), props[entry.second]);
   return {std::move(props), std::move(index)};
 }
 
