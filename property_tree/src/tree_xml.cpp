@@ -87,7 +87,8 @@ void parse_document(std::vector<char>& buffer, unsigned depth_limit, xml_documen
   // document at all.
   xml_node* root = doc.first_node();
   while (root != nullptr && root->type() != rapidxml::node_element) root = root->next_sibling();
-  for (xml_node* n = root != nullptr ? root->next_sibling() : nullptr; n != nullptr; n = n->next_sibling())
+  for (xml_node* n = root != nullptr ? root->next_sibling() : nullptr; n != nullptr;
+       n = n->next_sibling())
     if (n->type() == rapidxml::node_element)
       throw std::runtime_error("the XML text has a second root element '" +
                                std::string(n->name(), n->name_size()) + "'");

@@ -65,7 +65,8 @@ std::string check_reference(char const* amp, char const* last, char const* text)
 
 std::string check_references(char const* p, char const* last, char const* text) {
   while (p < last) {
-    char const* amp = static_cast<char const*>(std::memchr(p, '&', static_cast<std::size_t>(last - p)));
+    char const* amp =
+        static_cast<char const*>(std::memchr(p, '&', static_cast<std::size_t>(last - p)));
     if (amp == nullptr) break;
     std::string problem = check_reference(amp, last, text);
     if (!problem.empty()) return problem;
@@ -80,7 +81,8 @@ std::string check_markup(char const* text, std::size_t size, unsigned limit) {
   char const* last = text + size;
   unsigned depth = 0;
   while (p < last) {
-    char const* lt = static_cast<char const*>(std::memchr(p, '<', static_cast<std::size_t>(last - p)));
+    char const* lt =
+        static_cast<char const*>(std::memchr(p, '<', static_cast<std::size_t>(last - p)));
     std::string problem = check_references(p, lt != nullptr ? lt : last, text);
     if (!problem.empty()) return problem;
     if (lt == nullptr) break;

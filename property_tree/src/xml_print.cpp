@@ -93,7 +93,8 @@ bool has_text_child(xml_node const* element) {
 }
 
 void escaped(xml_writer& w, char const* s, std::size_t n, context where) {
-  std::array<bool, 256> const& special = where == context::text ? kEscapes.text : kEscapes.attribute;
+  std::array<bool, 256> const& special =
+      where == context::text ? kEscapes.text : kEscapes.attribute;
   std::size_t i = 0;
   if (where == context::text && blank_only(s, n)) {
     w.raw(std::string_view(escape_of(static_cast<unsigned char>(s[0]))));
@@ -261,8 +262,8 @@ std::string print_content(xml_node const* element) {
   text_buffer out;
   xml_writer w(out);
   if (element->first_node() == nullptr) w.text(element->value(), element->value_size());
-  for (xml_node const* child = element->first_node(); child != nullptr; child = child->next_sibling())
-    w.node(child, xml_writer::kCompact);
+  for (xml_node const* c = element->first_node(); c != nullptr; c = c->next_sibling())
+    w.node(c, xml_writer::kCompact);
   return std::string(out.data != nullptr ? out.data : "", out.size);
 }
 

@@ -34,9 +34,11 @@ TEST_P(Fixpoint, WriteLoadWriteGivesTheSameTextAndTree) {
 fixpoint_case const fixpoint_cases[] = {
     {"mixed content", "<r><x type=\"xml\">t<b/>u</x></r>"},
     {"mixed content below elements", "<r><x type=\"xml\"><p>a<i>b</i> c</p><q/></x></r>"},
-    {"mixed content in a nested tree", "<r><t><x type=\"xml\" count=\"2\">1<b/></x><x>2<c/>3</x></t></r>"},
+    {"mixed content in a nested tree",
+     "<r><t><x type=\"xml\" count=\"2\">1<b/></x><x>2<c/>3</x></t></r>"},
     {"xml value nested beyond the tree limit",
-     "<r><x type=\"xml\">" + nested(static_cast<int>(fs_property_tree_max_depth) + 40) + "</x></r>"},
+     "<r><x type=\"xml\">" + nested(static_cast<int>(fs_property_tree_max_depth) + 40) +
+         "</x></r>"},
     {"blank-only string", "<r><s>&#32;&#9;</s></r>"},
     // These passed before as well; they guard the printer's CDATA and
     // escaping paths.
@@ -66,7 +68,8 @@ double load_seconds(std::string const& text) {
   for (int run = 0; run < 3; ++run) {
     auto start = std::chrono::steady_clock::now();
     fs_property_tree_ptr tree = fs_property_tree_load_utf8(text.c_str());
-    best = std::min(best, std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count());
+    std::chrono::duration<double> took = std::chrono::steady_clock::now() - start;
+    best = std::min(best, took.count());
   }
   return best;
 }

@@ -26,8 +26,8 @@ namespace {
 
 // Names and specifications are counted in 16-bit sizes, terminator included.
 constexpr std::size_t kMaxCounted = 32767;
-constexpr long kAllFlags = FS_SPEC_LITERAL | FS_SPEC_SKIP_STARS | FS_SPEC_SEGMENT_SEARCH |
-                           FS_SPEC_STAY_CLASSIC;
+constexpr long kAllFlags =
+    FS_SPEC_LITERAL | FS_SPEC_SKIP_STARS | FS_SPEC_SEGMENT_SEARCH | FS_SPEC_STAY_CLASSIC;
 
 std::vector<wchar_t> counted(char const* text) {
   wcstring wide = wcstring::from_utf8(text, std::strlen(text));
@@ -68,7 +68,8 @@ int cmd_match(int argc, char** argv) {
         return 2;
       }
       if (!parse_flags(argv[++i], &flags)) {
-        std::fprintf(stderr, "qbfs match: --flags takes a number from 0 to %ld (the flag bits), not '%s'\n",
+        std::fprintf(stderr,
+                     "qbfs match: --flags takes a number from 0 to %ld (the flag bits), not '%s'\n",
                      kAllFlags, argv[i]);
         return 2;
       }
@@ -93,7 +94,8 @@ int cmd_match(int argc, char** argv) {
   }
   std::vector<wchar_t> spec = counted(argv[i]);
   if (spec.size() > kMaxCounted) {
-    std::fprintf(stderr, "qbfs match: the specification has %zu characters; at most %zu are taken\n",
+    std::fprintf(stderr,
+                 "qbfs match: the specification has %zu characters; at most %zu are taken\n",
                  spec.size() - 1, kMaxCounted - 1);
     return 2;
   }
@@ -107,9 +109,9 @@ int cmd_match(int argc, char** argv) {
     }
   }
   for (std::size_t n = 0; n < names.size(); ++n) {
-    int result = FS_CompareFileSpec(names[n].data(), static_cast<short>(names[n].size()),
-                                    spec.data(), static_cast<short>(spec.size()), case_sensitive,
-                                    partial, flags);
+    int result =
+        FS_CompareFileSpec(names[n].data(), static_cast<short>(names[n].size()), spec.data(),
+                           static_cast<short>(spec.size()), case_sensitive, partial, flags);
     std::printf("%d  %s\n", result, argv[i + 1 + static_cast<int>(n)]);
   }
   return 0;

@@ -62,7 +62,8 @@ int cmd_tree(Options const& options, int argc, char** argv) {
     return 1;
   }
   if (status != FS_SUCCESS)
-    std::fprintf(stderr, "qbfs tree: the tree may be incomplete: %s\n", describe_status(status).c_str());
+    std::fprintf(stderr, "qbfs tree: the tree may be incomplete: %s\n",
+                 describe_status(status).c_str());
   if (brief) {
     print_brief(head->dle_q, 0);
   } else {

@@ -81,8 +81,10 @@ bool prepare_modules(qbfs::Options& options, std::vector<std::string> const& nam
     if (why.empty()) {
       options.modules.push_back(widen(path.c_str()));
     } else {
-      std::fprintf(stderr, "qbfs: warning: the default module '%s' cannot be loaded (%s); going on without it\n",
-                   path.c_str(), why.c_str());
+      std::fprintf(
+          stderr,
+          "qbfs: warning: the default module '%s' cannot be loaded (%s); going on without it\n",
+          path.c_str(), why.c_str());
     }
   }
   return true;

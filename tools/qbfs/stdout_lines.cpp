@@ -24,8 +24,8 @@ std::wstring drop_address(wchar_t const* line) {
 }  // namespace
 
 void StdoutLines::print(void* filter, int, wchar_t const* line) {
-  std::string text = filter == &kDropAddresses ? wcstring(drop_address(line)).to_utf8()
-                                               : wcstring(line).to_utf8();
+  std::string text =
+      filter == &kDropAddresses ? wcstring(drop_address(line)).to_utf8() : wcstring(line).to_utf8();
   std::fputs(text.c_str(), stdout);
   if (text.empty() || text.back() != '\n') std::fputc('\n', stdout);
 }

@@ -15,7 +15,8 @@ class StdoutLines {
   // left out: output a person reads carries no pointers.
   explicit StdoutLines(filter f = as_printed) : threshold_(qbhost::zprintf_threshold()) {
     qbhost::zprintf_set_threshold(-1);
-    qbhost::zprintf_set_hook(&StdoutLines::print, f == without_addresses ? &kDropAddresses : nullptr);
+    qbhost::zprintf_set_hook(&StdoutLines::print,
+                             f == without_addresses ? &kDropAddresses : nullptr);
   }
   ~StdoutLines() {
     std::fflush(stdout);  // keep the order with what later goes to standard error

@@ -24,7 +24,8 @@ struct ToolRun {
 ToolRun qbfs(std::string const& args) {
   // One file per process: ctest runs the tests of this binary side by side.
   std::string err_file = ::testing::TempDir() + "qbfs_tool_err." + std::to_string(getpid());
-  std::string command = std::string("timeout 30 '") + QBFS_PATH + "' " + args + " 2>'" + err_file + "'";
+  std::string command =
+      std::string("timeout 30 '") + QBFS_PATH + "' " + args + " 2>'" + err_file + "'";
   ToolRun run{-1, {}, {}};
   FILE* pipe = popen(command.c_str(), "r");
   if (pipe == nullptr) return run;
@@ -78,7 +79,8 @@ TEST(QbfsTool, TreeOfConfiguredRootsIsTheLayersDump) {
 
   ToolRun attach = qbfs("--root " + root + " -q attach " + root);
   EXPECT_EQ(attach.status, 0) << attach.out;
-  EXPECT_TRUE(has(attach.out, "attach to " + root + " (file system 7): success (0x00000000)")) << attach.out;
+  EXPECT_TRUE(has(attach.out, "attach to " + root + " (file system 7): success (0x00000000)"))
+      << attach.out;
   EXPECT_TRUE(has(attach.out, "attach count while attached: 1")) << attach.out;
   rmdir(templ);
 }
@@ -86,8 +88,9 @@ TEST(QbfsTool, TreeOfConfiguredRootsIsTheLayersDump) {
 TEST(QbfsTool, WithoutModulesThereIsNoTree) {
   ToolRun run = qbfs("--no-modules -q tree");
   EXPECT_EQ(run.status, 1);
-  EXPECT_EQ(run.err, "qbfs tree: no backup element was found: no file system initialized, "
-                     "or no drive found (0xE000FE46)\n");
+  EXPECT_EQ(run.err,
+            "qbfs tree: no backup element was found: no file system initialized, "
+            "or no drive found (0xE000FE46)\n");
   EXPECT_FALSE(has(run.out, "DLE Tree")) << "no empty tree after a failed start-up";
   ToolRun modules = qbfs("--no-modules modules");
   EXPECT_EQ(modules.status, 0);
@@ -163,14 +166,14 @@ INSTANTIATE_TEST_SUITE_P(
 
 INSTANTIATE_TEST_SUITE_P(
     Match, Refusal,
-    ::testing::Values(
-        refusal_case{"flags not a number", "match --flags abc '*' a", 2, "not 'abc'"},
-        refusal_case{"flags empty", "match --flags '' '*' a", 2, "not ''"},
-        refusal_case{"flags beyond the bits", "match --flags 16 '*' a", 2, "from 0 to 15"},
-        refusal_case{"segment and flags", "match --segment --flags 4 '*' a", 2,
-                     "--segment and --flags cannot be given together"},
-        refusal_case{"over-long name", "match '*' " + std::string(40000, 'n'), 2,
-                     "name 1 has 40000 characters; at most 32766 are taken"}));
+    ::testing::Values(refusal_case{"flags not a number", "match --flags abc '*' a", 2, "not 'abc'"},
+                      refusal_case{"flags empty", "match --flags '' '*' a", 2, "not ''"},
+                      refusal_case{"flags beyond the bits", "match --flags 16 '*' a", 2,
+                                   "from 0 to 15"},
+                      refusal_case{"segment and flags", "match --segment --flags 4 '*' a", 2,
+                                   "--segment and --flags cannot be given together"},
+                      refusal_case{"over-long name", "match '*' " + std::string(40000, 'n'), 2,
+                                   "name 1 has 40000 characters; at most 32766 are taken"}));
 
 INSTANTIATE_TEST_SUITE_P(
     Layer, Refusal,
@@ -178,8 +181,9 @@ INSTANTIATE_TEST_SUITE_P(
         refusal_case{"empty attach path", "attach ''", 2, "qbfs attach: the path is empty"},
         refusal_case{"module that is no module", "-q -m @/text.so modules", 1,
                      "module '@/text.so' cannot be loaded: @/text.so: invalid ELF header"},
-        refusal_case{"module missing a function", std::string("-q -m ") + QB_TEST_MODULE_DIR +
-                         "/libhm_undefined_call.so modules", 1,
-                     "undefined symbol: hm_no_library_defines_this_function"}));
+        refusal_case{
+            "module missing a function",
+            std::string("-q -m ") + QB_TEST_MODULE_DIR + "/libhm_undefined_call.so modules", 1,
+            "undefined symbol: hm_no_library_defines_this_function"}));
 
 }  // namespace

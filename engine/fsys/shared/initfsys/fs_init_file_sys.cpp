@@ -161,8 +161,8 @@ void load_module(wchar_t const* moduleName) {
   void* getTable = dlsym(record->handle, "GetTable");
   void* get64 = getTable == nullptr ? dlsym(record->handle, "Get64BitTable") : nullptr;
   if (getTable == nullptr && get64 == nullptr) {
-    qbclass::debug_trace(kTracePath, kTraceLineNoEntryPoint, "%s offers no table: %s",
-                         narrow(name), loader_error());
+    qbclass::debug_trace(kTracePath, kTraceLineNoEntryPoint, "%s offers no table: %s", narrow(name),
+                         loader_error());
     std::wstring text = last_error_text();
     QB_Zprintf(0, L"    %ls doesn't support GetTable() or Get64BitTable(): %ls", name.c_str(),
                text.c_str());

@@ -246,9 +246,11 @@ TEST_F(InitFileSys, ModuleWorksAgainAfterRemoveAndSecondStartUp) {
 std::string narrow(std::wstring const& w) { return std::string(w.begin(), w.end()); }
 
 // True when a trace line starts with `prefix` and holds `part`.
-bool traced(qbtest::TraceCapture const& traces, std::string const& prefix, std::string const& part) {
+bool traced(qbtest::TraceCapture const& traces, std::string const& prefix,
+            std::string const& part) {
   return std::any_of(traces.lines().begin(), traces.lines().end(), [&](std::string const& l) {
-    return l.compare(0, prefix.size(), prefix) == 0 && l.find(part, prefix.size()) != std::string::npos;
+    return l.compare(0, prefix.size(), prefix) == 0 &&
+           l.find(part, prefix.size()) != std::string::npos;
   });
 }
 
@@ -273,8 +275,10 @@ TEST_F(InitFileSys, TracesTheLoadersReasonForEveryModuleItCannotOpen) {
   ASSERT_EQ(init(names), FS_SUCCESS);
   for (auto const& r : refusals) {
     EXPECT_TRUE(messages_.has_prefix(L"  " + r.path + L" could not be loaded: 0x")) << r.reason;
-    EXPECT_TRUE(traced(traces, "engine/fsys/shared/initfsys(404): " + narrow(r.path) +
-                                   " could not be loaded: ", r.reason)) << r.reason;
+    EXPECT_TRUE(traced(
+        traces,
+        "engine/fsys/shared/initfsys(404): " + narrow(r.path) + " could not be loaded: ", r.reason))
+        << r.reason;
   }
   EXPECT_TRUE(dlls[10]);
   std::remove(text_file.c_str());
@@ -285,8 +289,8 @@ TEST_F(InitFileSys, TracesTheLoadersReasonForEveryModuleItCannotOpen) {
 struct hostile_case {
   char const* file;
   FS_STATUS status;
-  bool generic_45;     // index 45 back to the generic table
-  char const* trace;   // after "engine/fsys/shared/initfsys(<line>): <module>"
+  bool generic_45;    // index 45 back to the generic table
+  char const* trace;  // after "engine/fsys/shared/initfsys(<line>): <module>"
 };
 std::ostream& operator<<(std::ostream& os, hostile_case const& c) { return os << c.file; }
 
