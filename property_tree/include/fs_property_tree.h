@@ -27,16 +27,23 @@
 // - Text: bool values are written "1"/"0"; GUIDs as described at _SSGUID;
 //   floating values with the full precision of their type.
 // - Strings: wide characters that are not Unicode scalar values (surrogates,
-//   above U+10FFFF) are written as U+FFFD; text to load must be valid UTF-8 or
-//   valid wide text, otherwise the load fails. A string made only of blanks
-//   reads back from XML as an empty string (the XML parser drops blank-only
-//   text), and an xml fragment that mixes text and elements gains the printer's
-//   indentation.
+//   above U+10FFFF) and characters XML cannot carry (control characters other
+//   than tab, line feed and carriage return; U+FFFE, U+FFFF) are written as
+//   U+FFFD; text to load must be valid UTF-8 or valid wide text, otherwise the
+//   load fails. Blank-only text and carriage returns are written as character
+//   references so that they read back unchanged; an xml fragment that mixes
+//   text and elements is written without indentation. Whatever loads can be
+//   written again, and writing a loaded tree, loading and writing it again
+//   gives the same text.
+// - XML text must be well-formed: a load refuses control characters,
+//   character references to anything but an XML character, an '&' that starts
+//   no reference, a closing tag that does not match its element and a second
+//   root element. An xml value that would not load back (not well-formed, or
+//   nested beyond the document limit where it sits) is refused on writing.
 // - XML reading: a property whose "count" promises more same-named sibling
 //   elements than follow is refused with std::runtime_error (nothing is
 //   loaded); a "type" that names no kind is a type_conversion_error; a root
-//   element name must follow the property-name rules; only the first element
-//   of the document is read.
+//   element name must follow the property-name rules.
 // - Null pointers given for names, strings or output are refused with an
 //   exception object, never dereferenced.
 #pragma once

@@ -65,7 +65,9 @@ fs_property_tree_value_null const* fs_property_tree_value_null::get_const_null_o
 
 void fs_property_tree_value_null::assign(source const&) { refuse_change(); }
 void fs_property_tree_value_null::load_xml(xml_node*) { refuse_change(); }
-void fs_property_tree_value_null::serialize(xml_document&, xml_node*) const {}
+void fs_property_tree_value_null::write_xml(xml_writer& w, std::string_view name, int) const {
+  write_plain_element_rest(w, name, nullptr, 0);
+}
 void fs_property_tree_value_null::check_modifiable() const { refuse_change(); }
 
 fs_property_tree* fs_property_tree_value_null::nested_tree() const {

@@ -53,7 +53,7 @@ class fs_property_tree_value_null final : public fs_property_tree_value_base_imp
   source view() const override { return null_source(); }
   void assign(source const& s) override;
   void load_xml(xml_node* element) override;
-  void serialize(xml_document& doc, xml_node* element) const override;
+  void write_xml(xml_writer& w, std::string_view name, int indent) const override;
   void check_modifiable() const override;
   fs_property_tree* nested_tree() const override;
 };

@@ -2,6 +2,7 @@
 
 #include "null_objects.h"
 #include "tree_impl.h"
+#include "xml_print.h"
 
 namespace property_tree_details {
 
@@ -37,20 +38,25 @@ void fs_property_tree_property_base_impl::load_new_xml_value(xml_node* element) 
   append(std::move(value));
 }
 
-void fs_property_tree_property_base_impl::serialize(xml_document& doc, xml_node* parent) const {
-  std::size_t count = items_.size();
+// One element per value, each on its own line; the first carries "type" and
+// "count", and a property without values is one element without content.
+void fs_property_tree_property_base_impl::write_xml(xml_writer& w, int indent) const {
+  std::size_t const count = items_.size();
+  std::string_view const name = name_;
   for (std::size_t i = 0; i == 0 || i < count; ++i) {
-    xml_node* element = doc.allocate_node(rapidxml::node_element, name_.c_str(), nullptr,
-                                          name_.size(), 0);
+    w.tabs(indent);
+    w.raw('<');
+    w.raw(name);
     if (i == 0) {
-      element->append_attribute(doc.allocate_attribute("type", get_serialize_type()));
+      std::string_view type = get_serialize_type();
+      w.attribute("type", type.data(), type.size());
       char buf[32];
       std::size_t n = format_number(static_cast<unsigned long>(count), buf);
-      element->append_attribute(
-          doc.allocate_attribute("count", doc.allocate_string(buf, n), 0, n));
+      w.attribute("count", buf, n);
     }
-    if (i < count) items_[i]->serialize(doc, element);
-    parent->append_node(element);
+    if (i < count) items_[i]->write_xml(w, name, indent);
+    else w.raw("/>", 2);
+    w.raw('\n');
   }
 }
 

@@ -41,7 +41,7 @@ class fs_property_tree_property_base_impl
   // Appends a value read from its XML element.
   void load_new_xml_value(xml_node* element);
   // Writes this property's elements under `parent`.
-  void serialize(xml_document& doc, xml_node* parent) const;
+  void write_xml(xml_writer& w, int indent) const;
 
   exception_interface* i_root_tree_v(fs_property_tree** out) override;
   exception_interface* i_root_tree_c(fs_property_tree const** out) const override;

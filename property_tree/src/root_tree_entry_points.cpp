@@ -9,7 +9,7 @@ template <class Ch>
 std::unique_ptr<fs_property_tree_root_impl> load_root(Ch const* text) {
   std::vector<char> buffer = buffer_of(text);
   xml_document doc;
-  parse_document(buffer, doc);
+  parse_document(buffer, fs_property_tree_max_xml_depth, doc);
   xml_node* root = root_element(doc);
   check_prop_name(root->name(), root->name_size());
   std::unique_ptr<fs_property_tree_root_impl> tree(

@@ -75,8 +75,8 @@ fs_property_tree_base_impl::items_type fs_property_tree_base_impl::copy_contents
   return copy;
 }
 
-void fs_property_tree_base_impl::serialize_fields(xml_document& doc, xml_node* node) const {
-  for (sp const& p : items_) p->serialize(doc, node);
+void fs_property_tree_base_impl::write_fields(xml_writer& w, int indent) const {
+  for (sp const& p : items_) p->write_xml(w, indent);
 }
 
 fs_property_tree_property* fs_property_tree_base_impl::null_element() const {

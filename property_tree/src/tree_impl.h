@@ -52,7 +52,8 @@ class fs_property_tree_base_impl
   void replace_contents(items_type&& props, index_type&& index) noexcept;
   // A deep copy of `src`'s properties made for this tree.
   items_type copy_contents(fs_property_tree_base_impl const& src);
-  void serialize_fields(xml_document& doc, xml_node* node) const;
+  // Writes every property's elements at indentation level `indent`.
+  void write_fields(xml_writer& w, int indent) const;
   // The properties read from the element children of `node`, with their index.
   std::pair<items_type, index_type> load_fields(xml_node* node);
 
@@ -147,9 +148,12 @@ class fs_property_tree_impl final : public fs_property_tree_base_impl {
 // The tree implementation behind an interface pointer.
 fs_property_tree_base_impl const& tree_impl_of(fs_property_tree const* t);
 
-// Parses UTF-8 XML text: checks the encoding and the nesting depth first.
-// The document keeps pointers into `buffer`, which must stay alive.
-void parse_document(std::vector<char>& buffer, xml_document& doc);
+// Parses the NUL-terminated UTF-8 XML text in `buffer` (as buffer_of makes
+// it) in place, after the character and markup checks of xml_check.h with
+// `depth_limit` levels of nesting; closing tags must match, and a second
+// root element is refused. The document keeps pointers into `buffer`, which
+// must stay alive. Throws std::runtime_error or the parser's error.
+void parse_document(std::vector<char>& buffer, unsigned depth_limit, xml_document& doc);
 
 }  // namespace property_tree_details
 

@@ -1,14 +1,15 @@
-// The XML form of a tree: writing (serialize_fields and the printer) and
+// The XML form of a tree: writing (write_fields through the writer) and
 // reading (load_fields over a parsed document).
 #include <algorithm>
 #include <cstring>
-#include <iterator>
 #include <string_view>
-#include <rapidxml/rapidxml_print.hpp>
+#include <unordered_map>
+#include <vector>
 #include <qbhost/strings.h>
 #include "check_prop_name.h"
 #include "tree_impl.h"
-#include "xml_depth.h"
+#include "xml_check.h"
+#include "xml_print.h"
 
 namespace property_tree_details {
 
@@ -53,63 +54,6 @@ void check_wide(wchar_t const* text, std::size_t size) {
   }
 }
 
-// The printer's output iterator: writes into a buffer grown by doubling
-// (never zero-filled), keeping the write position in the iterator (the
-// printer passes its iterator along by value and takes it back from every
-// call), so that a character costs a compare and a store.
-class print_cursor {
- public:
-  using iterator_category = std::output_iterator_tag;
-  using value_type = void;
-  using difference_type = std::ptrdiff_t;
-  using pointer = void;
-  using reference = void;
-
-  explicit print_cursor(text_buffer& text) : text_(&text), p_(text.data), end_(text.data + text.capacity) {}
-  // The characters written so far become the buffer's size.
-  void finish() { text_->size = static_cast<std::size_t>(p_ - text_->data); }
-
-  // "*out = c; ++out" writes at the position, then moves on.
-  print_cursor& operator*() { return *this; }
-  print_cursor& operator=(char c) {
-    room();
-    *p_ = c;
-    return *this;
-  }
-  print_cursor& operator++() {
-    ++p_;
-    return *this;
-  }
-  // "*out++ = c" writes and moves on through the original iterator.
-  class post {
-   public:
-    explicit post(print_cursor* cursor) : cursor_(cursor) {}
-    post& operator*() { return *this; }
-    post& operator=(char c) {
-      cursor_->room();
-      *cursor_->p_++ = c;
-      return *this;
-    }
-
-   private:
-    print_cursor* cursor_;
-  };
-  post operator++(int) { return post(this); }
-
- private:
-  void room() {
-    if (p_ != end_) return;
-    text_->size = static_cast<std::size_t>(p_ - text_->data);
-    text_->grow(std::max<std::size_t>(text_->capacity * 2, 4096));
-    p_ = text_->data + text_->size;
-    end_ = text_->data + text_->capacity;
-  }
-
-  text_buffer* text_;
-  char* p_;
-  char* end_;
-};
-
 }  // namespace
 
 std::vector<char> buffer_of(char const* text) {
@@ -132,67 +76,111 @@ xml_node* root_element(xml_document& doc) {
   return root;
 }
 
-void parse_document(std::vector<char>& buffer, xml_document& doc) {
-  std::size_t size = buffer.size() - 1;
-  std::string problem = check_utf8(buffer.data(), size);
-  if (problem.empty()) problem = check_xml_depth(buffer.data(), size, fs_property_tree_max_xml_depth);
+void parse_document(std::vector<char>& buffer, unsigned depth_limit, xml_document& doc) {
+  char* text = buffer.data();
+  std::size_t const size = buffer.size() - 1;
+  std::string problem = check_characters(text, size);
+  if (problem.empty()) problem = check_markup(text, size, depth_limit);
   if (!problem.empty()) throw std::runtime_error(problem);
-  doc.parse<0>(buffer.data());
+  doc.parse<rapidxml::parse_validate_closing_tags>(text);
+  // Only the first element is read; a second one makes the text no XML
+  // document at all.
+  xml_node* root = doc.first_node();
+  while (root != nullptr && root->type() != rapidxml::node_element) root = root->next_sibling();
+  for (xml_node* n = root != nullptr ? root->next_sibling() : nullptr; n != nullptr;
+       n = n->next_sibling())
+    if (n->type() == rapidxml::node_element)
+      throw std::runtime_error("the XML text has a second root element '" +
+                               std::string(n->name(), n->name_size()) + "'");
 }
 
+// One walk over the children: an element whose name is a property still
+// owed values (its first element's "count" not yet reached) is that
+// property's next value, any other element starts a property. This takes the
+// same elements as searching the following siblings by name for each
+// property, without walking the siblings again for every value.
+// During the walk names are looked up in a hash table: a lookup in the
+// ordered name index chases a pointer per level, and in a tree of many
+// properties each of those misses the cache. The index is built once at the
+// end, in name order, each node put at the end of the map.
 std::pair<fs_property_tree_base_impl::items_type, fs_property_tree_base_impl::index_type>
 fs_property_tree_base_impl::load_fields(xml_node* node) {
+  struct owed {
+    unsigned long count;  // the values promised
+    unsigned long taken;  // the values read so far
+  };
   items_type props = new_items();
-  index_type index = new_index();
+  std::vector<owed> owing;  // by property, in document order
+  std::unordered_map<std::string_view, std::size_t> position;  // name to property
+  std::size_t still_owed = 0;
   for (xml_node* e = node->first_node(); e != nullptr; e = e->next_sibling()) {
     if (e->type() != rapidxml::node_element) continue;
+    std::string_view name(e->name(), e->name_size());
+    auto [slot, added] = position.try_emplace(name, props.size());
+    if (!added) {
+      owed& o = owing[slot->second];
+      if (o.taken < o.count) {
+        props[slot->second]->load_new_xml_value(e);
+        if (++o.taken == o.count) --still_owed;
+        continue;
+      }
+    }
     std::string_view type;
     unsigned long count = 0;
     extract_type_and_count(e, &type, &count);
     fs_property_type kind = settle_kind(e, type);
     check_prop_name(e->name(), e->name_size());
-    std::string_view name(e->name(), e->name_size());
-    auto slot = index.lower_bound(name);
-    if (slot != index.end() && slot->first == name)
+    if (!added)
       throw duplicate_property_name(std::string("duplicate name used in add ") +
                                     info(kind).dup_word + " property call");
     check_count(props.size() + 1);
     sp property = make_property(kind, this, std::string(name), props.size());
+    owing.push_back(owed{count, 0});
     if (count > 0) {
       // Room reserved for a few values only: a hostile count must not take
       // more memory than the elements present, which are not counted first
       // (a second walk over a large document costs more than regrowing).
       property->reserve_values(std::min<std::size_t>(count, 8));
       property->load_new_xml_value(e);
-      // The other values are the next same-named siblings; they are taken
-      // out of the document so that they are not read again as properties.
-      for (unsigned long i = 1; i < count; ++i) {
-        xml_node* sibling = e->next_sibling(e->name(), e->name_size());
-        if (sibling == nullptr)
-          throw std::runtime_error("property '" + std::string(name) + "' has count " +
-                                   std::to_string(count) + " but only " + std::to_string(i) +
-                                   " elements");
-        property->load_new_xml_value(sibling);
-        node->remove_node(sibling);
-      }
+      owing.back().taken = 1;
+      if (count > 1) ++still_owed;
     }
-    index.emplace_hint(slot, property->name_string(), property);
     props.push_back(std::move(property));
   }
+  if (still_owed != 0) {
+    for (std::size_t i = 0; i < owing.size(); ++i) {
+      if (owing[i].taken < owing[i].count)
+        throw std::runtime_error("property '" + props[i]->name_string() + "' has count " +
+                                 std::to_string(owing[i].count) + " but only " +
+                                 std::to_string(owing[i].taken) + " elements");
+    }
+  }
+  // Taken from the properties, which lie in the pool in document order.
+  std::vector<std::pair<std::string_view, std::size_t>> sorted;
+  sorted.reserve(props.size());
+  for (std::size_t i = 0; i < props.size(); ++i) sorted.emplace_back(props[i]->name_string(), i);
+  std::sort(sorted.begin(), sorted.end(),
+            [](auto const& a, auto const& b) { return name_order()(a.first, b.first); });
+  index_type index = new_index();
+  for (auto const& entry : sorted)
+    index.emplace_hint(index.end(), props[entry.second]->name_string(), props[entry.second]);
   return {std::move(props), std::move(index)};
 }
 
 text_buffer fs_property_tree_base_impl::serialize_utf8() const {
-  char const* root_name = *name() != '\0' ? name() : "null_tree";
-  xml_document doc;
-  xml_node* root =
-      doc.allocate_node(rapidxml::node_element, root_name, nullptr, std::strlen(root_name), 0);
-  doc.append_node(root);
-  serialize_fields(doc, root);
+  std::string_view root_name = *name() != '\0' ? name() : "null_tree";
   text_buffer text;
-  print_cursor out(text);
-  out = rapidxml::print(out, doc, 0);
-  out.finish();
+  xml_writer w(text);
+  w.raw('<');
+  w.raw(root_name);
+  if (items_.empty()) {
+    w.raw("/>", 2);
+  } else {
+    w.raw(">\n", 2);
+    write_fields(w, 1);
+    w.close(root_name);
+  }
+  w.raw("\n\n", 2);
   return text;
 }
 
@@ -220,7 +208,7 @@ template <class Ch>
 void load_into(fs_property_tree_base_impl& tree, Ch const* text) {
   std::vector<char> buffer = buffer_of(text);
   xml_document doc;
-  parse_document(buffer, doc);
+  parse_document(buffer, fs_property_tree_max_xml_depth, doc);
   auto loaded = tree.load_fields(root_element(doc));
   tree.replace_contents(std::move(loaded.first), std::move(loaded.second));
 }

@@ -1,4 +1,5 @@
 #include "value_impl.h"
+#include "xml_print.h"
 
 #include "null_objects.h"
 #include "property_impl.h"
@@ -205,8 +206,16 @@ void fs_property_tree_value_tree_impl::load_xml(xml_node* element) {
   tree_->replace_contents(std::move(loaded.first), std::move(loaded.second));
 }
 
-void fs_property_tree_value_tree_impl::serialize(xml_document& doc, xml_node* element) const {
-  tree_->serialize_fields(doc, element);
+void fs_property_tree_value_tree_impl::write_xml(xml_writer& w, std::string_view name,
+                                                 int indent) const {
+  if (tree_->items().empty()) {
+    w.raw("/>", 2);
+    return;
+  }
+  w.raw(">\n", 2);
+  tree_->write_fields(w, indent + 1);
+  w.tabs(indent);
+  w.close(name);
 }
 
 fs_property_tree* fs_property_tree_value_tree_impl::nested_tree() const { return tree_.get(); }

@@ -14,6 +14,7 @@ namespace property_tree_details {
 class fs_property_tree_property_base_impl;
 class fs_property_tree_base_impl;
 class fs_property_tree_impl;
+class xml_writer;
 
 using xml_document = rapidxml::xml_document<char>;
 using xml_node = rapidxml::xml_node<char>;
@@ -34,9 +35,12 @@ class fs_property_tree_value_base_impl : public fs_property_tree_value {
   // This value as a conversion source, and setting it from one.
   virtual source view() const = 0;
   virtual void assign(source const& s) = 0;
-  // Reading the value from its XML element, and writing it into one.
+  // Reading the value from its XML element, and writing the rest of its
+  // element: the open tag named `name` has been written up to its
+  // attributes; the value adds "/>" when it has no content, else '>', its
+  // content and the closing tag. `indent` is the element's indentation level.
   virtual void load_xml(xml_node* element) = 0;
-  virtual void serialize(xml_document& doc, xml_node* element) const = 0;
+  virtual void write_xml(xml_writer& w, std::string_view name, int indent) const = 0;
   virtual void check_modifiable() const {}
 
 #define FS_PT_VALUE_IMPL(kind, in_t, out_t)                        \
@@ -87,6 +91,10 @@ fs_property_tree_value_base_impl const& value_impl_of(fs_property_tree_value con
 // only when it has to be joined from several nodes.
 std::string_view element_text(xml_node* element, std::string& storage);
 
+// xml_writer::plain_element_rest, for the code that sees xml_writer only
+// declared.
+void write_plain_element_rest(xml_writer& w, std::string_view name, char const* s, std::size_t n);
+
 template <class T, fs_property_type K>
 class fs_property_tree_value_numeric_impl final : public fs_property_tree_value_base_impl {
  public:
@@ -101,10 +109,10 @@ class fs_property_tree_value_numeric_impl final : public fs_property_tree_value_
     std::string_view text = element_text(element, storage);
     value_ = parse_number<T>(text.data(), text.size());
   }
-  void serialize(xml_document& doc, xml_node* element) const override {
+  void write_xml(xml_writer& w, std::string_view name, int) const override {
     char buf[64];
     std::size_t n = format_number(value_, buf);
-    element->value(doc.allocate_string(buf, n), n);
+    write_plain_element_rest(w, name, buf, n);
   }
 
  private:
@@ -135,7 +143,7 @@ class fs_property_tree_value_str_impl final : public fs_property_tree_value_base
   source view() const override { return text_source(kind, value_.c_str(), value_.size()); }
   void assign(source const& s) override { value_ = to_text(s); }
   void load_xml(xml_node* element) override;
-  void serialize(xml_document& doc, xml_node* element) const override;
+  void write_xml(xml_writer& w, std::string_view name, int indent) const override;
 
  private:
   std::wstring value_;
@@ -149,7 +157,7 @@ class fs_property_tree_value_bool_impl final : public fs_property_tree_value_bas
   source view() const override { return number_source(kind, value_ ? 1 : 0); }
   void assign(source const& s) override { value_ = to_bool(s); }
   void load_xml(xml_node* element) override;
-  void serialize(xml_document& doc, xml_node* element) const override;
+  void write_xml(xml_writer& w, std::string_view name, int indent) const override;
 
  private:
   bool value_ = false;
@@ -163,7 +171,7 @@ class fs_property_tree_value_guid_impl final : public fs_property_tree_value_bas
   source view() const override { return guid_source(value_); }
   void assign(source const& s) override { value_ = to_guid(s); }
   void load_xml(xml_node* element) override;
-  void serialize(xml_document& doc, xml_node* element) const override;
+  void write_xml(xml_writer& w, std::string_view name, int indent) const override;
 
  private:
   _SSGUID value_{};
@@ -177,7 +185,7 @@ class fs_property_tree_value_bin_impl final : public fs_property_tree_value_base
   source view() const override { return bin_source(value_.data(), value_.size()); }
   void assign(source const& s) override;
   void load_xml(xml_node* element) override;
-  void serialize(xml_document& doc, xml_node* element) const override;
+  void write_xml(xml_writer& w, std::string_view name, int indent) const override;
 
  private:
   std::vector<unsigned char> value_;
@@ -191,7 +199,7 @@ class fs_property_tree_value_xml_impl final : public fs_property_tree_value_base
   source view() const override { return text_source(kind, value_.c_str(), value_.size()); }
   void assign(source const& s) override { value_ = to_xml(s); }
   void load_xml(xml_node* element) override;
-  void serialize(xml_document& doc, xml_node* element) const override;
+  void write_xml(xml_writer& w, std::string_view name, int indent) const override;
 
  private:
   std::wstring value_;  // an XML fragment
@@ -207,7 +215,7 @@ class fs_property_tree_value_tree_impl final : public fs_property_tree_value_bas
   source view() const override;
   void assign(source const& s) override;
   void load_xml(xml_node* element) override;
-  void serialize(xml_document& doc, xml_node* element) const override;
+  void write_xml(xml_writer& w, std::string_view name, int indent) const override;
   fs_property_tree* nested_tree() const override;
 
  private:

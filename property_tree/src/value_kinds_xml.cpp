@@ -1,10 +1,11 @@
 // Text forms of the string, bool, GUID, binary and xml values in XML.
 #include <cstring>
-#include <rapidxml/rapidxml_print.hpp>
+#include <vector>
 #include <qbhost/base64.h>
 #include <qbhost/strings.h>
 #include "property_impl.h"
-#include "xml_depth.h"
+#include "tree_impl.h"
+#include "xml_print.h"
 
 namespace property_tree_details {
 
@@ -19,13 +20,11 @@ std::wstring wide_of(char const* text, std::size_t size) {
   return std::move(static_cast<std::wstring&>(wide));
 }
 
-void set_text(xml_document& doc, xml_node* element, std::wstring const& text) {
-  if (text.empty()) return;
-  cstring utf8;
-  utf8.assign(text.data(), text.size(), cstring::UTF8);
-  element->value(doc.allocate_string(utf8.data(), utf8.size()), utf8.size());
-}
 }  // namespace
+
+void write_plain_element_rest(xml_writer& w, std::string_view name, char const* s, std::size_t n) {
+  w.plain_element_rest(name, s, n);
+}
 
 void fs_property_tree_value_str_impl::load_xml(xml_node* element) {
   std::string storage;
@@ -33,8 +32,8 @@ void fs_property_tree_value_str_impl::load_xml(xml_node* element) {
   value_ = wide_of(text.data(), text.size());
 }
 
-void fs_property_tree_value_str_impl::serialize(xml_document& doc, xml_node* element) const {
-  set_text(doc, element, value_);
+void fs_property_tree_value_str_impl::write_xml(xml_writer& w, std::string_view name, int) const {
+  w.wide_element_rest(name, value_);
 }
 
 void fs_property_tree_value_bool_impl::load_xml(xml_node* element) {
@@ -43,8 +42,8 @@ void fs_property_tree_value_bool_impl::load_xml(xml_node* element) {
   value_ = parse_number<bool>(text.data(), text.size());
 }
 
-void fs_property_tree_value_bool_impl::serialize(xml_document&, xml_node* element) const {
-  element->value(value_ ? "1" : "0", 1);
+void fs_property_tree_value_bool_impl::write_xml(xml_writer& w, std::string_view name, int) const {
+  w.plain_element_rest(name, value_ ? "1" : "0", 1);
 }
 
 void fs_property_tree_value_guid_impl::load_xml(xml_node* element) {
@@ -54,10 +53,10 @@ void fs_property_tree_value_guid_impl::load_xml(xml_node* element) {
     throw boost::bad_lexical_cast(typeid(std::string), typeid(_SSGUID));
 }
 
-void fs_property_tree_value_guid_impl::serialize(xml_document& doc, xml_node* element) const {
+void fs_property_tree_value_guid_impl::write_xml(xml_writer& w, std::string_view name, int) const {
   char buf[guid_text_size];
   format_guid(value_, buf);
-  element->value(doc.allocate_string(buf, guid_text_size), guid_text_size);
+  w.plain_element_rest(name, buf, guid_text_size);
 }
 
 void fs_property_tree_value_bin_impl::assign(source const& s) {
@@ -75,44 +74,52 @@ void fs_property_tree_value_bin_impl::load_xml(xml_node* element) {
                              "' is not valid base64 text");
 }
 
-void fs_property_tree_value_bin_impl::serialize(xml_document& doc, xml_node* element) const {
-  if (value_.empty()) return;
+void fs_property_tree_value_bin_impl::write_xml(xml_writer& w, std::string_view name, int) const {
+  if (value_.empty()) {
+    w.plain_element_rest(name, nullptr, 0);
+    return;
+  }
   std::string text = base64_encode(value_.data(), value_.size());
-  element->value(doc.allocate_string(text.data(), text.size()), text.size());
+  w.plain_element_rest(name, text.data(), text.size());
 }
 
-// The fragment is the element's content as compact XML text.
+// The fragment is the element's content as printed, without indentation.
 void fs_property_tree_value_xml_impl::load_xml(xml_node* element) {
-  std::string text;
-  for (xml_node* child = element->first_node(); child != nullptr; child = child->next_sibling())
-    rapidxml::print(std::back_inserter(text), *child, rapidxml::print_no_indenting);
-  if (element->first_node() == nullptr && element->value_size() != 0)
-    text.assign(element->value(), element->value_size());
+  std::string text = print_content(element);
   value_ = wide_of(text.data(), text.size());
 }
 
 // The fragment becomes the element's content: parsed inside a wrapper element
-// (so that text and several elements are allowed) and its nodes cloned into
-// the document. A fragment that is not well-formed XML is refused.
-void fs_property_tree_value_xml_impl::serialize(xml_document& doc, xml_node* element) const {
-  if (value_.empty()) return;
+// (so that text and several elements are allowed) with the checks of a
+// document load, and written from the parsed nodes. A fragment that is not
+// well-formed XML is refused, and so is one nested so deep that the document
+// would exceed the nesting a load accepts: the element holding it sits at
+// level depth + 2 of the document (root element, then one level per tree),
+// and the wrapper counts as one level.
+void fs_property_tree_value_xml_impl::write_xml(xml_writer& w, std::string_view name,
+                                                int indent) const {
+  if (value_.empty()) {
+    w.plain_element_rest(name, nullptr, 0);
+    return;
+  }
   cstring utf8;
   utf8.assign(value_.data(), value_.size(), cstring::UTF8);
   static char const open[] = "<r>", close[] = "</r>";
-  std::size_t size = 3 + utf8.size() + 4;
-  char* buffer = doc.allocate_string(nullptr, size + 1);
-  std::memcpy(buffer, open, 3);
-  std::memcpy(buffer + 3, utf8.data(), utf8.size());
-  std::memcpy(buffer + 3 + utf8.size(), close, 4);
-  buffer[size] = '\0';
-  std::string problem = check_xml_depth(buffer, size, fs_property_tree_max_depth);
+  std::size_t const open_size = sizeof open - 1, close_size = sizeof close - 1;
+  std::vector<char> buffer(open_size + utf8.size() + close_size + 1);  // NUL-terminated
+  std::memcpy(buffer.data(), open, open_size);
+  std::memcpy(buffer.data() + open_size, utf8.data(), utf8.size());
+  std::memcpy(buffer.data() + open_size + utf8.size(), close, close_size);
+  buffer.back() = '\0';
+  unsigned const element_level = owner()->tree()->depth() + 2;
+  unsigned const wrapper_level = 1;
+  unsigned const limit = fs_property_tree_max_xml_depth - element_level + wrapper_level;
+  std::string problem;
   xml_document fragment;
-  if (problem.empty()) {
-    try {
-      fragment.parse<0>(buffer);
-    } catch (rapidxml::parse_error const& e) {
-      problem = e.what();
-    }
+  try {
+    parse_document(buffer, limit, fragment);
+  } catch (std::exception const& e) {
+    problem = e.what();
   }
   xml_node* wrapper = fragment.first_node();
   if (problem.empty() && (wrapper == nullptr || wrapper->next_sibling() != nullptr))
@@ -120,8 +127,7 @@ void fs_property_tree_value_xml_impl::serialize(xml_document& doc, xml_node* ele
   if (!problem.empty())
     throw std::runtime_error("xml value of property '" + owner()->name_string() +
                              "' is not a well-formed XML fragment: " + problem);
-  for (xml_node* child = wrapper->first_node(); child != nullptr; child = child->next_sibling())
-    element->append_node(doc.clone_node(child));
+  w.element_rest(name, wrapper, indent);
 }
 
 }  // namespace property_tree_details

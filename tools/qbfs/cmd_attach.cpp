@@ -3,9 +3,11 @@
 //
 // The DLE chosen is the local file-system element whose device name (a mount
 // point or configured root) is the longest leading part of PATH.
+#include <cerrno>
 #include <climits>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <cwchar>
 #include <string>
 
@@ -15,6 +17,7 @@
 
 #include "commands.h"
 #include "layer_session.h"
+#include "status_text.h"
 
 namespace qbfs {
 namespace {
@@ -44,9 +47,14 @@ int cmd_attach(Options const& options, int argc, char** argv) {
     std::fprintf(stderr, "usage: qbfs attach PATH\n");
     return 2;
   }
+  if (argv[1][0] == '\0') {
+    std::fprintf(stderr, "qbfs attach: the path is empty\n");
+    return 2;
+  }
   char resolved[PATH_MAX];
   if (realpath(argv[1], resolved) == nullptr) {
-    std::perror(argv[1]);
+    std::fprintf(stderr, "qbfs attach: cannot resolve the path '%s': %s\n", argv[1],
+                 std::strerror(errno));
     return 1;
   }
   std::string narrow(resolved);
@@ -54,8 +62,8 @@ int cmd_attach(Options const& options, int argc, char** argv) {
 
   LayerSession session(options);
   if (!session.usable()) {
-    std::fprintf(stderr, "qbfs attach: the layer did not start (%s)\n",
-                 hex_status(session.status()).c_str());
+    std::fprintf(stderr, "qbfs attach: the layer did not start: %s\n",
+                 describe_status(session.status()).c_str());
     return 1;
   }
   HEAD_DLE* head = nullptr;
@@ -63,14 +71,15 @@ int cmd_attach(Options const& options, int argc, char** argv) {
   GENERIC_DLE* dle = head != nullptr ? holder_of(head->dle_q, path, nullptr) : nullptr;
   int rc = 1;
   if (dle == nullptr) {
-    std::printf("no DLE holds %s\n", resolved);
+    std::fprintf(stderr, "qbfs attach: no backup element (DLE) holds %s%s\n", resolved,
+                 options.modules.empty() ? "; no module is loaded" : "");
   } else {
     std::string name = wcstring(dle->device_name).to_utf8();
     FSYS_HAND_STRUCT* hand = nullptr;
     FS_STATUS status = FS_AttachToDLE(&hand, dle, session.cfg(), nullptr, nullptr, 0, 0, nullptr,
                                       nullptr, 0, nullptr, false);
     std::printf("attach to %s (file system %u): %s\n", name.c_str(), DLE_FsysIndex(dle),
-                hex_status(status).c_str());
+                describe_status(status).c_str());
     if (hand != nullptr) {
       if (status == FS_STATUS_EXT_ERROR && hand->lastMsg != nullptr) {
         for (wchar_t const* m = hand->lastMsg; *m != L'\0'; m += std::wcslen(m) + 1)
@@ -78,7 +87,7 @@ int cmd_attach(Options const& options, int argc, char** argv) {
       }
       std::printf("attach count while attached: %u\n", dle->attach_count);
       FS_STATUS detached = FS_DetachDLE(hand);
-      std::printf("detach: %s\n", hex_status(detached).c_str());
+      std::printf("detach: %s\n", describe_status(detached).c_str());
       rc = (status == FS_SUCCESS && detached == FS_SUCCESS) ? 0 : 1;
     }
   }

@@ -9,6 +9,7 @@
 
 #include "commands.h"
 #include "layer_session.h"
+#include "status_text.h"
 
 namespace qbfs {
 
@@ -18,7 +19,7 @@ int cmd_modules(Options const& options, int argc, char** /*argv*/) {
     return 2;
   }
   LayerSession session(options);
-  std::printf("start-up: %s\n", hex_status(session.status()).c_str());
+  std::printf("start-up: %s\n", describe_status(session.status()).c_str());
 
   _FUNC_LIST* tables = nullptr;
   get_func_tabs(&tables);

@@ -13,6 +13,7 @@
 #include "commands.h"
 #include "dle_dump.h"
 #include "layer_session.h"
+#include "status_text.h"
 #include "stdout_lines.h"
 
 namespace qbfs {
@@ -45,18 +46,30 @@ int cmd_tree(Options const& options, int argc, char** argv) {
   }
   LayerSession session(options);
   if (!session.usable()) {
-    std::fprintf(stderr, "qbfs tree: the layer did not start (%s)\n",
-                 hex_status(session.status()).c_str());
+    std::fprintf(stderr, "qbfs tree: the layer did not start: %s\n",
+                 describe_status(session.status()).c_str());
     return 1;
   }
   HEAD_DLE* head = nullptr;
   FS_STATUS status = FS_InitDleList(&head, session.cfg());
+  bool const empty = head == nullptr || head->dle_q.q_head == nullptr;
+  if (empty) {
+    // An empty dump would only repeat that nothing was found.
+    std::fprintf(stderr, "qbfs tree: no backup element was found%s%s\n",
+                 status != FS_SUCCESS ? ": " : "",
+                 status != FS_SUCCESS ? describe_status(status).c_str() : "");
+    FS_DeinitDleList(head);
+    return 1;
+  }
   if (status != FS_SUCCESS)
-    std::fprintf(stderr, "qbfs tree: building the tree returned %s\n", hex_status(status).c_str());
+    std::fprintf(stderr, "qbfs tree: the tree may be incomplete: %s\n",
+                 describe_status(status).c_str());
   if (brief) {
-    if (head != nullptr) print_brief(head->dle_q, 0);
+    print_brief(head->dle_q, 0);
   } else {
-    StdoutLines to_stdout;
+    // The layer's own dump, without the elements' addresses, which mean
+    // nothing to a person.
+    StdoutLines to_stdout(StdoutLines::without_addresses);
     fsys::dump_dle_tree(head, L"DLE Tree");
   }
   FS_DeinitDleList(head);

@@ -19,9 +19,8 @@ struct Options {
 int cmd_modules(Options const& options, int argc, char** argv);
 int cmd_tree(Options const& options, int argc, char** argv);
 int cmd_attach(Options const& options, int argc, char** argv);
-// Needs no started layer.
+// These two need no started layer.
 int cmd_match(int argc, char** argv);
+int cmd_props(int argc, char** argv);
 
 }  // namespace qbfs
-
-int cmd_props(int argc, char** argv);

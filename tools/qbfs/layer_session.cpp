@@ -1,7 +1,5 @@
 #include "layer_session.h"
 
-#include <cstdio>
-
 namespace qbfs {
 
 LayerSession::LayerSession(Options const& options) {
@@ -18,12 +16,6 @@ LayerSession::LayerSession(Options const& options) {
 LayerSession::~LayerSession() {
   // A failed start-up has torn itself down already.
   if (usable()) FS_RemoveFileSys();
-}
-
-std::string hex_status(unsigned status) {
-  char text[16];
-  std::snprintf(text, sizeof text, "0x%08X", status);
-  return text;
 }
 
 }  // namespace qbfs

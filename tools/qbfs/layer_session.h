@@ -29,7 +29,4 @@ class LayerSession {
   FS_STATUS status_ = 0;
 };
 
-// "0x%08X" of a status.
-std::string hex_status(unsigned status);
-
 }  // namespace qbfs

@@ -1,9 +1,13 @@
 // qbfs: the command-line host of the file-system layer. It plays the agent
 // process: it provides the host runtime, starts the layer with a list of
 // modules, runs one sub-command and shuts the layer down.
+#include <sys/stat.h>
+
+#include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <string>
+#include <vector>
 
 #include <qbclass/debug_print_keep_alive.h>
 #include <qbfsys/buildinfo.h>
@@ -11,6 +15,7 @@
 #include <qbhost/zprintf.h>
 
 #include "commands.h"
+#include "module_check.h"
 
 namespace {
 
@@ -27,15 +32,19 @@ constexpr char kUsage[] =
     "  modules            load the modules and show which file system serves\n"
     "                     each of the 51 indices\n"
     "  match [-i] [--partial] [--segment | --flags N] SPEC NAME...\n"
+    "                     (N: the raw flag word, 0 to 15)\n"
     "                     print 0, 1 or 2 per name: how the file-specification\n"
     "                     matcher answers (no match, match, name too short)\n"
-    "  props FILE [PATH]  load a property tree from XML, print it back and\n"
-    "                     answer a path query\n"
+    "  props FILE [PATH]  load a property tree from an XML file (a regular\n"
+    "                     file of at most 64 MiB), print it back and answer\n"
+    "                     a path query\n"
     "  version            show what was built\n"
     "\n"
     "Options:\n"
     "  -m, --module FILE  load this module (repeatable); replaces the default\n"
-    "                     list of modules shipped beside the tool\n"
+    "                     list of modules shipped beside the tool. Modules\n"
+    "                     are checked before start-up: one that cannot be\n"
+    "                     loaded is named with the reason\n"
     "  --no-modules       load no module at all\n"
     "  --root DIR         offer DIR as a backup root (repeatable) instead of\n"
     "                     the mounted file systems\n"
@@ -44,20 +53,59 @@ constexpr char kUsage[] =
     "  -t, --trace        show the layer's debug traces\n"
     "  -h, --help         show this help\n"
     "\n"
-    "Exit status: 0 on success, 1 when the command failed, 2 on bad usage.\n";
+    "Exit status: 0 on success, 1 when the command failed, 2 on bad usage.\n"
+    "Errors go to standard error.\n";
 
 std::wstring widen(char const* text) { return wcstring::from_utf8(text, std::strlen(text)); }
 
 // The modules shipped with the tool, in the order they are loaded.
-void default_modules(qbfs::Options& options) {
-  static char const* const kShipped[] = {"libqbposix.so"};
-  for (char const* name : kShipped) {
+constexpr char const* kShippedModules[] = {"libqbposix.so"};
+
+// Checks the modules before the layer sees them. A module named on the
+// command line that cannot be loaded ends the run; a shipped one is left out
+// with a warning, so that the commands that need no module still work.
+bool prepare_modules(qbfs::Options& options, std::vector<std::string> const& named,
+                     bool explicit_modules) {
+  for (std::string const& path : named) {
+    std::string why = qbfs::check_module(path);
+    if (!why.empty()) {
+      std::fprintf(stderr, "qbfs: module '%s' cannot be loaded: %s\n", path.c_str(), why.c_str());
+      return false;
+    }
+    options.modules.push_back(widen(path.c_str()));
+  }
+  if (explicit_modules) return true;
+  for (char const* name : kShippedModules) {
     std::string path = std::string(QB_MODULE_DIR) + "/" + name;
-    if (FILE* f = std::fopen(path.c_str(), "rb")) {
-      std::fclose(f);
+    std::string why = qbfs::check_module(path);
+    if (why.empty()) {
       options.modules.push_back(widen(path.c_str()));
+    } else {
+      std::fprintf(
+          stderr,
+          "qbfs: warning: the default module '%s' cannot be loaded (%s); going on without it\n",
+          path.c_str(), why.c_str());
     }
   }
+  return true;
+}
+
+// A --root value must name an existing directory.
+int check_root(char const* root) {
+  if (root[0] == '\0') {
+    std::fprintf(stderr, "qbfs: --root needs a directory, got an empty value\n");
+    return 2;
+  }
+  struct stat st;
+  if (stat(root, &st) != 0) {
+    std::fprintf(stderr, "qbfs: --root '%s': %s\n", root, std::strerror(errno));
+    return 1;
+  }
+  if (!S_ISDIR(st.st_mode)) {
+    std::fprintf(stderr, "qbfs: --root '%s' is not a directory\n", root);
+    return 1;
+  }
+  return 0;
 }
 
 int version() {
@@ -72,7 +120,9 @@ int version() {
 
 int main(int argc, char** argv) {
   qbfs::Options options;
+  std::vector<std::string> named_modules;
   bool explicit_modules = false;
+  bool no_modules = false;
   int i = 1;
   for (; i < argc && argv[i][0] == '-'; ++i) {
     std::string a = argv[i];
@@ -89,13 +139,19 @@ int main(int argc, char** argv) {
     } else if (a == "-m" || a == "--module") {
       char const* v = value("--module");
       if (!v) return 2;
-      options.modules.push_back(widen(v));
+      if (v[0] == '\0') {
+        std::fprintf(stderr, "qbfs: --module needs a file name, got an empty value\n");
+        return 2;
+      }
+      named_modules.push_back(v);
       explicit_modules = true;
     } else if (a == "--no-modules") {
+      no_modules = true;
       explicit_modules = true;
     } else if (a == "--root") {
       char const* v = value("--root");
       if (!v) return 2;
+      if (int rc = check_root(v)) return rc;
       options.roots.push_back(widen(v));
     } else if (a == "--drive-scan") {
       options.drive_scan = true;
@@ -112,7 +168,10 @@ int main(int argc, char** argv) {
     std::fputs(kUsage, stderr);
     return 2;
   }
-  if (!explicit_modules) default_modules(options);
+  if (no_modules && !named_modules.empty()) {
+    std::fprintf(stderr, "qbfs: --no-modules and --module cannot be given together\n");
+    return 2;
+  }
   qbhost::zprintf_set_threshold(options.quiet ? -1 : 0);
   if (options.trace) {
     auto keep = qbclass::debug_print_keep_alive::instance();
@@ -122,11 +181,13 @@ int main(int argc, char** argv) {
   std::string command = argv[i];
   int sub_argc = argc - i;
   char** sub_argv = argv + i;
+  bool const starts_layer = command == "tree" || command == "attach" || command == "modules";
+  if (starts_layer && !prepare_modules(options, named_modules, explicit_modules)) return 1;
   if (command == "tree") return qbfs::cmd_tree(options, sub_argc, sub_argv);
   if (command == "attach") return qbfs::cmd_attach(options, sub_argc, sub_argv);
   if (command == "modules") return qbfs::cmd_modules(options, sub_argc, sub_argv);
   if (command == "match") return qbfs::cmd_match(sub_argc, sub_argv);
-  if (command == "props") return cmd_props(sub_argc, sub_argv);
+  if (command == "props") return qbfs::cmd_props(sub_argc, sub_argv);
   if (command == "version") return version();
   std::fprintf(stderr, "qbfs: unknown command '%s'\n\n%s", command.c_str(), kUsage);
   return 2;

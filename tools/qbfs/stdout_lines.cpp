@@ -1,11 +1,31 @@
 #include "stdout_lines.h"
 
+#include <cwctype>
+#include <string>
+
 #include <qbhost/strings.h>
 
 namespace qbfs {
 
-void StdoutLines::print(void*, int, wchar_t const* line) {
-  std::string text = wcstring(line).to_utf8();
+int StdoutLines::kDropAddresses = 0;
+
+namespace {
+// The line without " address " and the pointer text that follows it.
+std::wstring drop_address(wchar_t const* line) {
+  std::wstring text(line);
+  static wchar_t const kTag[] = L" address ";
+  std::size_t at = text.find(kTag);
+  if (at == std::wstring::npos) return text;
+  std::size_t end = at + (sizeof kTag / sizeof kTag[0] - 1);
+  while (end < text.size() && !std::iswspace(text[end])) ++end;
+  text.erase(at, end - at);
+  return text;
+}
+}  // namespace
+
+void StdoutLines::print(void* filter, int, wchar_t const* line) {
+  std::string text =
+      filter == &kDropAddresses ? wcstring(drop_address(line)).to_utf8() : wcstring(line).to_utf8();
   std::fputs(text.c_str(), stdout);
   if (text.empty() || text.back() != '\n') std::fputc('\n', stdout);
 }

@@ -9,9 +9,14 @@ namespace qbfs {
 
 class StdoutLines {
  public:
-  StdoutLines() : threshold_(qbhost::zprintf_threshold()) {
+  enum filter { as_printed, without_addresses };
+
+  // With `without_addresses`, the " address <pointer>" part of each line is
+  // left out: output a person reads carries no pointers.
+  explicit StdoutLines(filter f = as_printed) : threshold_(qbhost::zprintf_threshold()) {
     qbhost::zprintf_set_threshold(-1);
-    qbhost::zprintf_set_hook(&StdoutLines::print, nullptr);
+    qbhost::zprintf_set_hook(&StdoutLines::print,
+                             f == without_addresses ? &kDropAddresses : nullptr);
   }
   ~StdoutLines() {
     std::fflush(stdout);  // keep the order with what later goes to standard error
@@ -22,7 +27,8 @@ class StdoutLines {
   StdoutLines& operator=(StdoutLines const&) = delete;
 
  private:
-  static void print(void*, int, wchar_t const* line);
+  static void print(void* filter, int, wchar_t const* line);
+  static int kDropAddresses;  // its address marks the filter
   int threshold_;
 };
 

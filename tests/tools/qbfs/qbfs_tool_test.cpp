@@ -6,7 +6,9 @@
 
 #include <cstdio>
 #include <fstream>
+#include <iterator>
 #include <string>
+#include <sys/stat.h>
 
 #include <gtest/gtest.h>
 
@@ -14,12 +16,17 @@ namespace {
 
 struct ToolRun {
   int status;
-  std::string out;  // standard output and standard error together
+  std::string out;  // standard output
+  std::string err;  // standard error
 };
 
+// Runs the tool under a time limit (a hang ends with status 124).
 ToolRun qbfs(std::string const& args) {
-  std::string command = std::string("'") + QBFS_PATH + "' " + args + " 2>&1";
-  ToolRun run{-1, {}};
+  // One file per process: ctest runs the tests of this binary side by side.
+  std::string err_file = ::testing::TempDir() + "qbfs_tool_err." + std::to_string(getpid());
+  std::string command =
+      std::string("timeout 30 '") + QBFS_PATH + "' " + args + " 2>'" + err_file + "'";
+  ToolRun run{-1, {}, {}};
   FILE* pipe = popen(command.c_str(), "r");
   if (pipe == nullptr) return run;
   char buffer[4096];
@@ -27,6 +34,9 @@ ToolRun qbfs(std::string const& args) {
   while ((n = std::fread(buffer, 1, sizeof buffer, pipe)) > 0) run.out.append(buffer, n);
   int status = pclose(pipe);
   run.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+  std::ifstream err(err_file);
+  run.err.assign(std::istreambuf_iterator<char>(err), std::istreambuf_iterator<char>());
+  std::remove(err_file.c_str());
   return run;
 }
 
@@ -59,7 +69,8 @@ TEST(QbfsTool, TreeOfConfiguredRootsIsTheLayersDump) {
   ToolRun run = qbfs("--root " + root + " -q tree");
   EXPECT_EQ(run.status, 0) << run.out;
   EXPECT_TRUE(has(run.out, std::string(78, '*') + "\nDLE Tree\n-->\\\\")) << run.out;
-  EXPECT_TRUE(has(run.out, "    -->" + root + "<-- address ")) << run.out;
+  EXPECT_TRUE(has(run.out, "    -->" + root + "<-- type 7 subtype 2")) << run.out;
+  EXPECT_FALSE(has(run.out, " address ")) << "no pointers in what a person reads";
   EXPECT_TRUE(has(run.out, " type 7 subtype 2 feature bits 0x0 0x0 ")) << run.out;
   EXPECT_TRUE(has(run.out, "\nEnd of List\n")) << run.out;
 
@@ -68,7 +79,8 @@ TEST(QbfsTool, TreeOfConfiguredRootsIsTheLayersDump) {
 
   ToolRun attach = qbfs("--root " + root + " -q attach " + root);
   EXPECT_EQ(attach.status, 0) << attach.out;
-  EXPECT_TRUE(has(attach.out, "attach to " + root + " (file system 7): 0x00000000")) << attach.out;
+  EXPECT_TRUE(has(attach.out, "attach to " + root + " (file system 7): success (0x00000000)"))
+      << attach.out;
   EXPECT_TRUE(has(attach.out, "attach count while attached: 1")) << attach.out;
   rmdir(templ);
 }
@@ -76,10 +88,14 @@ TEST(QbfsTool, TreeOfConfiguredRootsIsTheLayersDump) {
 TEST(QbfsTool, WithoutModulesThereIsNoTree) {
   ToolRun run = qbfs("--no-modules -q tree");
   EXPECT_EQ(run.status, 1);
-  EXPECT_TRUE(has(run.out, "building the tree returned 0xE000FE46")) << run.out;
+  EXPECT_EQ(run.err,
+            "qbfs tree: no backup element was found: no file system initialized, "
+            "or no drive found (0xE000FE46)\n");
+  EXPECT_FALSE(has(run.out, "DLE Tree")) << "no empty tree after a failed start-up";
   ToolRun modules = qbfs("--no-modules modules");
   EXPECT_EQ(modules.status, 0);
-  EXPECT_TRUE(has(modules.out, "FS_InitFileSys\nInitializing FSs\n")) << modules.out;
+  EXPECT_TRUE(has(modules.err, "FS_InitFileSys\nInitializing FSs\n")) << modules.err;
+  EXPECT_TRUE(has(modules.out, "start-up: success (0x00000000)\n")) << modules.out;
   EXPECT_TRUE(has(modules.out, "   50     0        0  no      generic")) << modules.out;
 }
 
@@ -92,8 +108,82 @@ TEST(QbfsTool, PropsRoundTripsAFile) {
   ToolRun run = qbfs(std::string("props ") + path);
   EXPECT_EQ(run.status, 0) << run.out;
   EXPECT_TRUE(has(run.out, "42")) << run.out;
+  ToolRun nowhere = qbfs(std::string("props ") + path + " missing");
+  EXPECT_EQ(nowhere.status, 1) << "a path to no tree is a failure, not a status of its own";
+  EXPECT_TRUE(has(nowhere.err, "the path \"missing\" leads to no tree")) << nowhere.err;
   unlink(path);
-  EXPECT_NE(qbfs("props /nonexistent/file.xml").status, 0);
 }
+
+// Bad arguments and unusable inputs: the documented exit status, nothing on
+// standard output, and a message on standard error that names the object and
+// the reason.
+struct refusal_case {
+  char const* label;
+  std::string args;  // "@" stands for a scratch directory
+  int status;
+  std::string err;  // a part of standard error
+};
+std::ostream& operator<<(std::ostream& os, refusal_case const& c) { return os << c.label; }
+
+class Refusal : public ::testing::TestWithParam<refusal_case> {
+ protected:
+  static void SetUpTestSuite() {
+    scratch_ = ::testing::TempDir() + "qbfs_refusals." + std::to_string(getpid());
+    mkdir(scratch_.c_str(), 0700);
+    mkfifo((scratch_ + "/fifo").c_str(), 0600);
+    std::ofstream(scratch_ + "/text.so") << std::string(256, 'x');
+    std::ofstream(scratch_ + "/tree.xml") << "<r/>";
+  }
+  static void TearDownTestSuite() {
+    for (char const* f : {"/fifo", "/text.so", "/tree.xml"}) unlink((scratch_ + f).c_str());
+    rmdir(scratch_.c_str());
+  }
+  static std::string scratch_;
+};
+std::string Refusal::scratch_;
+
+TEST_P(Refusal, ExitsWithTheDocumentedStatusAndSaysWhy) {
+  std::string args = GetParam().args;
+  for (std::size_t at; (at = args.find('@')) != std::string::npos;) args.replace(at, 1, scratch_);
+  std::string err = GetParam().err;
+  for (std::size_t at; (at = err.find('@')) != std::string::npos;) err.replace(at, 1, scratch_);
+  ToolRun run = qbfs(args);
+  EXPECT_EQ(run.status, GetParam().status) << run.err;
+  EXPECT_EQ(run.out, "");
+  EXPECT_TRUE(has(run.err, err)) << run.err;
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Props, Refusal,
+    ::testing::Values(
+        refusal_case{"directory", "props @", 1, "'@' is a directory; only regular files are read"},
+        refusal_case{"endless device", "props /dev/zero", 1, "'/dev/zero' is a character device"},
+        refusal_case{"FIFO", "props @/fifo", 1, "'@/fifo' is a FIFO"},
+        refusal_case{"missing file", "props @/none.xml", 1,
+                     "cannot open '@/none.xml': No such file or directory"},
+        refusal_case{"invalid path", "props @/tree.xml 'a[x]'", 2,
+                     "invalid path \"a[x]\": invalid character found while parsing position"}));
+
+INSTANTIATE_TEST_SUITE_P(
+    Match, Refusal,
+    ::testing::Values(refusal_case{"flags not a number", "match --flags abc '*' a", 2, "not 'abc'"},
+                      refusal_case{"flags empty", "match --flags '' '*' a", 2, "not ''"},
+                      refusal_case{"flags beyond the bits", "match --flags 16 '*' a", 2,
+                                   "from 0 to 15"},
+                      refusal_case{"segment and flags", "match --segment --flags 4 '*' a", 2,
+                                   "--segment and --flags cannot be given together"},
+                      refusal_case{"over-long name", "match '*' " + std::string(40000, 'n'), 2,
+                                   "name 1 has 40000 characters; at most 32766 are taken"}));
+
+INSTANTIATE_TEST_SUITE_P(
+    Layer, Refusal,
+    ::testing::Values(
+        refusal_case{"empty attach path", "attach ''", 2, "qbfs attach: the path is empty"},
+        refusal_case{"module that is no module", "-q -m @/text.so modules", 1,
+                     "module '@/text.so' cannot be loaded: @/text.so: invalid ELF header"},
+        refusal_case{
+            "module missing a function",
+            std::string("-q -m ") + QB_TEST_MODULE_DIR + "/libhm_undefined_call.so modules", 1,
+            "undefined symbol: hm_no_library_defines_this_function"}));
 
 }  // namespace

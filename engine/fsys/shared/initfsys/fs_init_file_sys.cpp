@@ -1,7 +1,7 @@
 // FS_InitFileSys: resets the registry to the generic table, loads the modules
 // the host names, merges their tables and initialises every file system.
 //
-// Choices where the contract is silent:
+// Choices made here, and why:
 // - An empty module name is not handed to the dynamic loader (which would
 //   return the main program); it is reported as a module that could not be
 //   loaded, with the code of a missing file.
@@ -9,6 +9,15 @@
 //   the last '/'), so that hosts may name modules by path.
 // - A module that keeps delivering tables is cut off after
 //   kMaxTablesPerModule calls; its further tables are ignored.
+// - The loader's own explanation of a failed open (not an ELF file, wrong
+//   machine, a missing dependency or symbol, ...) is traced beside the
+//   message, which carries only the host's error code.
+// - A module whose entry point throws is a failed module, never a reason to
+//   give up the others: one that throws while handing out its tables is
+//   skipped as a whole (its tables are merged only after the last call), one
+//   whose initialise operation throws fails that index with
+//   FS_ERR_INIT_FAILED. Either is traced with the module's name and the
+//   exception's message.
 #include <qbfsys/fs_init.h>
 
 #include <dlfcn.h>
@@ -17,8 +26,10 @@
 #include <cstdint>
 #include <cwchar>
 #include <string>
+#include <vector>
 
 #include "fs_registry_access.h"
+#include "module_exception.h"
 #include <qbclass/debug_trace.h>
 #include <qbfsys/module.h>
 #include <qbfsys/registry.h>
@@ -30,6 +41,11 @@ namespace {
 
 constexpr char kTracePath[] = "engine/fsys/shared/initfsys";
 constexpr int kMaxTablesPerModule = 4096;
+// Source lines of the traces beside the override and load traces.
+constexpr int kTraceLineOpenFailed = 404;
+constexpr int kTraceLineNoEntryPoint = 425;
+constexpr int kTraceLineTablesThrew = 512;
+constexpr int kTraceLineInitThrew = 560;
 constexpr wchar_t kMappingServicePrefix[] = L"libqbdskx.";
 
 // The loader's error as the host reports it: empty for code 0; a code whose
@@ -78,14 +94,41 @@ void merge_table(DllInstance* record, _FUNC_LIST const& table, int deliveredInde
   qbclass::debug_trace(kTracePath, loadLine, "%s loaded at index %d", name, k);
 }
 
+struct delivered_table {
+  _FUNC_LIST table;
+  int index;
+};
+
+// Every table the entry point hands out; lets the module's exceptions pass.
+template <class EntryPoint, class Mask>
+std::vector<delivered_table> collect_tables(EntryPoint* entry, Mask mask) {
+  std::vector<delivered_table> tables;
+  for (int n = 0; n < kMaxTablesPerModule; ++n) {
+    delivered_table d{{}, -1};
+    if (entry(n, mask, &d.table, &d.index) == 0) break;
+    tables.push_back(d);
+  }
+  return tables;
+}
+
 template <class EntryPoint, class Mask>
 void take_tables(DllInstance* record, EntryPoint* entry, Mask mask, int warnLine, int loadLine) {
-  for (int n = 0; n < kMaxTablesPerModule; ++n) {
-    _FUNC_LIST table{};
-    int index = -1;
-    if (entry(n, mask, &table, &index) == 0) return;
-    merge_table(record, table, index, warnLine, loadLine);
+  std::vector<delivered_table> tables;
+  try {
+    tables = collect_tables(entry, mask);
+  } catch (...) {
+    qbclass::debug_trace(kTracePath, kTraceLineTablesThrew,
+                         "%s is skipped: it threw while handing out its tables: %s",
+                         narrow(record->name), fsys::current_exception_text());
+    return;
   }
+  for (delivered_table const& d : tables) merge_table(record, d.table, d.index, warnLine, loadLine);
+}
+
+// The loader's own text for the last failure, or a fixed text without one.
+std::string loader_error() {
+  char const* text = dlerror();
+  return text != nullptr ? text : "no reason given by the loader";
 }
 
 void load_module(wchar_t const* moduleName) {
@@ -98,7 +141,11 @@ void load_module(wchar_t const* moduleName) {
     std::string path = narrow(name);
     SetLastError(0);
     record->handle = dlopen(path.c_str(), RTLD_LAZY);
-    if (record->handle == nullptr && GetLastError() == 0) SetLastError(ENOENT);
+    if (record->handle == nullptr) {
+      qbclass::debug_trace(kTracePath, kTraceLineOpenFailed, "%s could not be loaded: %s", path,
+                           loader_error());
+      if (GetLastError() == 0) SetLastError(ENOENT);
+    }
   }
   if (record->handle == nullptr) {
     std::wstring text = last_error_text();
@@ -114,6 +161,8 @@ void load_module(wchar_t const* moduleName) {
   void* getTable = dlsym(record->handle, "GetTable");
   void* get64 = getTable == nullptr ? dlsym(record->handle, "Get64BitTable") : nullptr;
   if (getTable == nullptr && get64 == nullptr) {
+    qbclass::debug_trace(kTracePath, kTraceLineNoEntryPoint, "%s offers no table: %s", narrow(name),
+                         loader_error());
     std::wstring text = last_error_text();
     QB_Zprintf(0, L"    %ls doesn't support GetTable() or Get64BitTable(): %ls", name.c_str(),
                text.c_str());
@@ -128,17 +177,21 @@ void load_module(wchar_t const* moduleName) {
   }
 }
 
-// Calls the initialise operation of index i: the object, else slot 2.
+// Calls the initialise operation of index i: the object, else slot 2. An
+// exception out of it is that index's failure.
 bool initialise(unsigned i, QB_CFG* cfg, FS_STATUS* result) {
-  if (FS_DleBase* object = get_DLE_fsysObjPtr(i)) {
-    *result = object->InitFileSys(cfg);
-    return true;
+  FS_DleBase* object = get_DLE_fsysObjPtr(i);
+  FS_SLOT_InitFileSys init = fsys::table_of(i).InitFileSys;
+  if (object == nullptr && init == nullptr) return false;
+  try {
+    *result = object != nullptr ? object->InitFileSys(cfg) : init(cfg);
+  } catch (...) {
+    qbclass::debug_trace(kTracePath, kTraceLineInitThrew,
+                         "%s threw while initializing file system %d: %s", fsys::module_name_of(i),
+                         i, fsys::current_exception_text());
+    *result = FS_ERR_INIT_FAILED;
   }
-  if (FS_SLOT_InitFileSys init = fsys::table_of(i).InitFileSys) {
-    *result = init(cfg);
-    return true;
-  }
-  return false;
+  return true;
 }
 
 }  // namespace

@@ -4,16 +4,30 @@
 #include <qbfsys/fs_init.h>
 
 #include "fs_registry_access.h"
+#include "module_exception.h"
+#include <qbclass/debug_trace.h>
 #include <qbfsys/registry.h>
 #include <qbhost/zprintf.h>
+
+namespace {
+constexpr char kTracePath[] = "engine/fsys/shared/initfsys";
+constexpr int kTraceLineDeinitThrew = 590;
+}  // namespace
 
 void FS_RemoveFileSys() {
   QB_Zprintf(0, L"FS_RemoveFileSys");
   for (unsigned i = 0; i < FS_MAX_FSYS; ++i) {
-    if (FS_DleBase* object = get_DLE_fsysObjPtr(i)) {
-      object->DeInitFileSys();
-    } else if (FS_SLOT_DeInitFileSys deinit = fsys::table_of(i).DeInitFileSys) {
-      deinit();
+    // A module that throws here still loses its references like the others.
+    try {
+      if (FS_DleBase* object = get_DLE_fsysObjPtr(i)) {
+        object->DeInitFileSys();
+      } else if (FS_SLOT_DeInitFileSys deinit = fsys::table_of(i).DeInitFileSys) {
+        deinit();
+      }
+    } catch (...) {
+      qbclass::debug_trace(kTracePath, kTraceLineDeinitThrew,
+                           "%s threw while de-initializing file system %d: %s",
+                           fsys::module_name_of(i), i, fsys::current_exception_text());
     }
   }
   for (unsigned k = 0; k < dlls.size(); ++k) {

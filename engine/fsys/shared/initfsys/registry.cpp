@@ -3,9 +3,13 @@
 #include <qbfsys/registry.h>
 
 #include "fs_registry_access.h"
+#include "module_exception.h"
+#include <qbclass/debug_trace.h>
 #include <qbhost/zprintf.h>
 
 namespace {
+constexpr char kTracePath[] = "engine/fsys/shared/initfsys";
+constexpr int kTraceLineCreateThrew = 1495;
 _FUNC_LIST g_tables[FS_MAX_FSYS];
 FS_DleBase* g_objects[FS_MAX_FSYS];
 }  // namespace
@@ -44,7 +48,17 @@ FS_DleBase* FS_CreateDleAgent(unsigned int index) {
     return nullptr;
   }
   FS_SLOT_CreateObject create = g_tables[index].CreateObject;
-  return create != nullptr ? create(index) : nullptr;
+  if (create == nullptr) return nullptr;
+  // A module's exception must not cross this exported function: the index
+  // is then served by its table alone.
+  try {
+    return create(index);
+  } catch (...) {
+    qbclass::debug_trace(kTracePath, kTraceLineCreateThrew,
+                         "%s threw while making the object of file system %d: %s",
+                         fsys::module_name_of(index), index, fsys::current_exception_text());
+    return nullptr;
+  }
 }
 
 namespace fsys {

@@ -1,7 +1,9 @@
 // FS_InitFileSys / FS_RemoveFileSys against real modules loaded with dlopen.
 #include <dlfcn.h>
 
+#include <algorithm>
 #include <cstring>
+#include <fstream>
 #include <string>
 #include <vector>
 
@@ -240,5 +242,82 @@ TEST_F(InitFileSys, ModuleWorksAgainAfterRemoveAndSecondStartUp) {
   EXPECT_EQ(module_call<int>("libtm_multi.so", "tm_init_calls"), 6);
   EXPECT_EQ(messages_.count(L"  loaded " + multi), 2u);
 }
+
+std::string narrow(std::wstring const& w) { return std::string(w.begin(), w.end()); }
+
+// True when a trace line starts with `prefix` and holds `part`.
+bool traced(qbtest::TraceCapture const& traces, std::string const& prefix,
+            std::string const& part) {
+  return std::any_of(traces.lines().begin(), traces.lines().end(), [&](std::string const& l) {
+    return l.compare(0, prefix.size(), prefix) == 0 &&
+           l.find(part, prefix.size()) != std::string::npos;
+  });
+}
+
+// The message keeps the host's code; the trace carries the loader's reason.
+TEST_F(InitFileSys, TracesTheLoadersReasonForEveryModuleItCannotOpen) {
+  std::string text_file = ::testing::TempDir() + "qb_not_a_module.so";
+  std::ofstream(text_file) << std::string(256, 'x');  // longer than an ELF header
+  struct refusal {
+    std::wstring path;
+    char const* reason;
+  } const refusals[] = {
+      {std::wstring(text_file.begin(), text_file.end()), "invalid ELF header"},
+      {module_path(""), "Is a directory"},
+      {module_path("libtm_does_not_exist.so"), "No such file or directory"},
+      {module_path("libhm_undefined.so"), "undefined symbol: hm_no_library_defines_this"},
+  };
+  qbtest::TraceCapture traces("engine/fsys/shared/initfsys");
+  ASSERT_TRUE(traces.available());
+  std::vector<std::wstring> names;
+  for (auto const& r : refusals) names.push_back(r.path);
+  names.push_back(module_path("libtm_multi.so"));
+  ASSERT_EQ(init(names), FS_SUCCESS);
+  for (auto const& r : refusals) {
+    EXPECT_TRUE(messages_.has_prefix(L"  " + r.path + L" could not be loaded: 0x")) << r.reason;
+    EXPECT_TRUE(traced(
+        traces,
+        "engine/fsys/shared/initfsys(404): " + narrow(r.path) + " could not be loaded: ", r.reason))
+        << r.reason;
+  }
+  EXPECT_TRUE(dlls[10]);
+  std::remove(text_file.c_str());
+}
+
+// A module that throws fails alone: the good module beside it serves, and the
+// trace names the thrower.
+struct hostile_case {
+  char const* file;
+  FS_STATUS status;
+  bool generic_45;    // index 45 back to the generic table
+  char const* trace;  // after "engine/fsys/shared/initfsys(<line>): <module>"
+};
+std::ostream& operator<<(std::ostream& os, hostile_case const& c) { return os << c.file; }
+
+class HostileModule : public InitFileSys, public ::testing::WithParamInterface<hostile_case> {};
+
+TEST_P(HostileModule, FailsAloneAndIsNamed) {
+  qbtest::TraceCapture traces("engine/fsys/shared/initfsys");
+  ASSERT_TRUE(traces.available());
+  std::wstring hostile = module_path(GetParam().file);
+  EXPECT_EQ(init({hostile, module_path("libtm_multi.so")}), GetParam().status);
+  EXPECT_TRUE(dlls[10]);
+  EXPECT_EQ(is_generic(45), GetParam().generic_45);
+  FS_RemoveFileSys();
+  EXPECT_TRUE(traced(traces, "engine/fsys/shared/initfsys(", narrow(hostile) + GetParam().trace));
+  for (auto const& d : dlls) EXPECT_FALSE(d);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Throwing, HostileModule,
+    ::testing::Values(
+        hostile_case{"libhm_throw1.so", FS_SUCCESS, true,
+                     " is skipped: it threw while handing out its tables: hostile tables"},
+        hostile_case{"libhm_throw2.so", FS_ERR_PARTIAL_INIT, true,
+                     " threw while initializing file system 45: hostile init"},
+        hostile_case{"libhm_throw3.so", FS_SUCCESS, false,
+                     " threw while making the object of file system 45: hostile object"},
+        hostile_case{"libhm_throw4.so", FS_SUCCESS, false,
+                     " threw while de-initializing file system 45: hostile deinit"}));
 
 }  // namespace
