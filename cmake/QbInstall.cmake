@@ -12,10 +12,7 @@
 #   <prefix>/include/{qbfsys,qbhost,qbclass,fs_property_tree}/
 #   <prefix>/lib/cmake/qbfsys/              find_package(qbfsys)
 #   <prefix>/lib/pkgconfig/qbfsys.pc
-include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
-
-set(QB_MODULE_INSTALL_DIR ${CMAKE_INSTALL_LIBDIR}/qbfsys/modules)
 
 set_target_properties(qbfsys qbhost PROPERTIES
   VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})

@@ -76,7 +76,7 @@ bool prepare_modules(qbfs::Options& options, std::vector<std::string> const& nam
   }
   if (explicit_modules) return true;
   for (char const* name : kShippedModules) {
-    std::string path = std::string(QB_MODULE_DIR) + "/" + name;
+    std::string path = qbfs::shipped_module_dir() + "/" + name;
     std::string why = qbfs::check_module(path);
     if (why.empty()) {
       options.modules.push_back(widen(path.c_str()));

@@ -13,4 +13,9 @@ namespace qbfs {
 // block), or the loader's own text.
 std::string check_module(std::string const& path);
 
+// The folder of the modules shipped with the tool: the installed tree's
+// module folder, found relative to the running executable, when it exists;
+// else the build tree's library folder.
+std::string shipped_module_dir();
+
 }  // namespace qbfs
