@@ -1,0 +1,113 @@
+// Listing the current directory: FindFirstObj, FindNextObj, FindObjClose,
+// GetCurrentDDB and ReleaseBlk.
+//
+// Each level keeps its own listing, so a caller may enter a directory found
+// by a listing, list it, come back up and go on with the listing above.
+// An entry that vanishes or cannot be examined between listing and
+// examining is printed with its path and reason and passed over: there is
+// no object left to describe, and the walk goes on.
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+
+#include <qbfsys/fs_filespec.h>
+#include <qbfsys/gen.h>
+#include <qbfsys/handles.h>
+
+#include "posix_dblk.h"
+#include "posix_fsys.h"
+#include "posix_name_codec.h"
+
+namespace qbposix {
+namespace {
+
+constexpr int kCaseSensitive = 1;
+
+bool matches(std::wstring const& spec, std::wstring name) {
+  if (spec.empty() || spec == L"*") return true;
+  std::wstring pattern = spec;
+  return FS_CompareFileSpec(&name[0], static_cast<short>(name.size()), &pattern[0],
+                            static_cast<short>(pattern.size()), kCaseSensitive, 0, 0) ==
+         FS_SPEC_MATCH;
+}
+
+}  // namespace
+
+FS_STATUS posix_find_next_obj(FSYS_HAND_STRUCT* fsh, DBLK* blk) {
+  PosixHandleState* state = posix_state(fsh);
+  if (state == nullptr || blk == nullptr) return FS_ERR_BAD_PARAMETER;
+  PosixLevel& level = state->levels.back();
+  if (level.listing == nullptr) return FS_STATUS_NONE;
+  std::wstring const& spec = level.spec;
+  for (;;) {
+    errno = 0;
+    struct dirent const* entry = readdir(level.listing);
+    if (entry == nullptr) {
+      if (errno != 0)
+        return posix_report(fsh, errno, posix_display_path(*state, ""), L"directory could not be listed");
+      return FS_STATUS_NONE;
+    }
+    std::string const name = entry->d_name;
+    if (name == "." || name == "..") continue;
+    if (!matches(spec, posix_decode_name(name))) continue;
+    struct stat st {};
+    if (fstatat(level.fd, name.c_str(), &st, AT_SYMLINK_NOFOLLOW) != 0) {
+      posix_note(errno, posix_display_path(*state, name),
+                 errno == ENOENT ? L"vanished after it was listed; passed over"
+                                 : L"could not be examined; passed over");
+      continue;
+    }
+    return posix_fill_dblk(fsh, *state, blk, name, st, state->found_info);
+  }
+}
+
+FS_STATUS posix_find_first_obj(FSYS_HAND_STRUCT* fsh, DBLK* blk, wchar_t* spec, unsigned short) {
+  PosixHandleState* state = posix_state(fsh);
+  if (state == nullptr || blk == nullptr) return FS_ERR_BAD_PARAMETER;
+  posix_find_obj_close(fsh, blk);
+  PosixLevel& level = state->levels.back();
+  // A descriptor of its own, so the listing's position is not shared with
+  // the level's descriptor; O_NOATIME keeps the walk from touching the
+  // directory's access time where the kernel allows it.
+  int fd = openat(level.fd, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC | O_NOATIME);
+  if (fd < 0 && errno == EPERM) fd = openat(level.fd, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  if (fd < 0 || (level.listing = fdopendir(fd)) == nullptr) {
+    int const error = errno;
+    if (fd >= 0) close(fd);
+    return posix_report(fsh, error, posix_display_path(*state, ""), L"directory could not be listed");
+  }
+  level.spec = spec == nullptr ? std::wstring() : std::wstring(spec);
+  return posix_find_next_obj(fsh, blk);
+}
+
+FS_STATUS posix_find_obj_close(FSYS_HAND_STRUCT* fsh, DBLK*) {
+  PosixHandleState* state = posix_state(fsh);
+  if (state == nullptr) return FS_ERR_BAD_PARAMETER;
+  PosixLevel& level = state->levels.back();
+  if (level.listing != nullptr) {
+    closedir(level.listing);
+    level.listing = nullptr;
+  }
+  return FS_SUCCESS;
+}
+
+FS_STATUS posix_get_current_ddb(FSYS_HAND_STRUCT* fsh, DBLK* blk) {
+  PosixHandleState* state = posix_state(fsh);
+  if (state == nullptr || blk == nullptr) return FS_ERR_BAD_PARAMETER;
+  PosixLevel const& level = state->levels.back();
+  struct stat st {};
+  if (fstat(level.fd, &st) != 0)
+    return posix_report(fsh, errno, posix_display_path(*state, ""), L"directory could not be examined");
+  return posix_fill_dblk(fsh, *state, blk, level.name, st, state->current_info);
+}
+
+FS_STATUS posix_release_blk(FSYS_HAND_STRUCT* fsh, DBLK* blk) {
+  if (fsh == nullptr || blk == nullptr) return FS_ERR_BAD_PARAMETER;
+  if (PosixHandleState* state = static_cast<PosixHandleState*>(fsh->fsysData))
+    state->names.erase(blk->os_name);
+  return GEN_ReleaseBlk(fsh, blk);
+}
+
+}  // namespace qbposix
