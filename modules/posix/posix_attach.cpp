@@ -63,7 +63,7 @@ FS_STATUS posix_attach_to_dle(FSYS_HAND_STRUCT* fsh, GENERIC_DLE* dle, wchar_t*,
   }
   state->root = data->path;
   state->privileged = geteuid() == 0;
-  if (root >= 0) state->levels.push_back({std::string(), root, nullptr, {}});
+  if (root >= 0) state->levels.push_back({std::string(), root, nullptr, {}, {}});
   fsh->fsysData = state;
   return FS_SUCCESS;
 }

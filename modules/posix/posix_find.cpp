@@ -59,7 +59,7 @@ FS_STATUS posix_find_next_obj(FSYS_HAND_STRUCT* fsh, DBLK* blk) {
                                  : L"could not be examined; passed over");
       continue;
     }
-    return posix_fill_dblk(fsh, *state, blk, name, st, state->found_info);
+    return posix_fill_dblk(fsh, *state, blk, name, st, level.found);
   }
 }
 

@@ -33,6 +33,7 @@ struct PosixLevel {
   int fd = -1;           // O_DIRECTORY descriptor, owned
   DIR* listing = nullptr;  // the find in progress here, owned; null when none
   std::wstring spec;       // what the listing looks for; empty: everything
+  POSIX_OS_INFO found{};   // OS info of the object the listing found last
 };
 
 // A directory made by the restore whose permissions, times and extended
@@ -49,9 +50,8 @@ struct PosixHandleState {
   std::vector<PosixLevel> levels;   // root first; empty for the machine element
   bool privileged = false;          // running as root: owners and device nodes are restored
 
-  // The find block's OS info (the last object found), and the current
-  // directory's (GetCurrentDDB); blocks point at these until the next call.
-  POSIX_OS_INFO found_info{};
+  // The current directory's OS info (GetCurrentDDB). Blocks point at this
+  // or at their level's `found` until the next call that fills them.
   POSIX_OS_INFO current_info{};
   // Name elements this module put into caller blocks; one found in a block
   // again is released before the block is refilled.

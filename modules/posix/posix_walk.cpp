@@ -68,7 +68,7 @@ FS_STATUS enter(FSYS_HAND_STRUCT* fsh, PosixHandleState& state, std::size_t keep
       return posix_report(fsh, error, shown + L"/" + posix_decode_name(name),
                           L"directory could not be entered");
     }
-    fresh.push_back({name, fd, nullptr, {}});
+    fresh.push_back({name, fd, nullptr, {}, {}});
     base = fd;
   }
   while (state.levels.size() > keep + 1) pop_level(state);

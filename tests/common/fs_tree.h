@@ -45,9 +45,8 @@ class TreeMaker {
  public:
   TreeMaker(int root, std::uint32_t seed) : root_(root), rng_(seed) {}
 
-  // Makes the whole tree; returns false on the first call that failed.
+  // Makes the whole tree; false when a call failed (errno tells which).
   bool make(bool huge_sparse) {
-    using P = std::vector<std::string>;
     char const* names[] = {"plain.txt", "caf\xc3\xa9", "\xff\xfe-bad", "a\nnewline", "back\\slash",
                            "wild*card?", "-leading-dash", "cut-\xe2\x82", "\xed\xa0\x80surrogate",
                            "\xc0\xafoverlong"};
@@ -62,83 +61,78 @@ class TreeMaker {
     dir({}, "links", 0755);
     dir({"links"}, "sub", 0750);
     file({"links"}, "a", 70000);
-    link({"links"}, "a", {"links", "sub"}, "b");
-    link({"links"}, "a", {}, "c-top");
-    symlink({}, "plain.txt", "to-plain");
-    symlink({}, "no/such/target", "dangling");
-    symlink({}, "\xff-odd-target", "odd-link");
-    node({}, "fifo", S_IFIFO | 0640, 0);
-    if (geteuid() == 0) node({}, "null-dev", S_IFCHR | 0666, makedev(1, 3));
-    xattr({}, "plain.txt", "user.note", std::string("value\0with nul", 14));
-    xattr({}, "plain.txt", "system.posix_acl_access", posix_acl());
-    sparse({}, "sparse-small", {{8192, 4096}}, 65536);
-    if (huge_sparse) sparse({}, "sparse-huge", {{0, 4096}, {1ull << 30, 8192}, {(4ull << 30) + 4096, 4096}}, kHugeSparseSize);
-    P deep;
+    in({"links"}, [](int d) { return linkat(d, "a", d, "sub/b", 0) == 0 && linkat(d, "a", d, "../c-top", 0) == 0; });
+    for (char const* target : {"plain.txt", "no/such/target", "\xff-odd-target"})
+      made({}, std::string("to-") + target[0], 0, [&](int d, char const* n) { return symlinkat(target, d, n) == 0; });
+    made({}, "fifo", 0640, [](int d, char const* n) { return mkfifoat(d, n, 0600) == 0; });
+    if (geteuid() == 0)
+      made({}, "null-dev", 0666, [](int d, char const* n) { return mknodat(d, n, S_IFCHR | 0600, makedev(1, 3)) == 0; });
+    in({}, [](int d) {
+      std::string const p = "/proc/self/fd/" + std::to_string(d) + "/plain.txt", acl = posix_acl();
+      return lsetxattr(p.c_str(), "user.note", "value\0with nul", 14, 0) == 0 &&
+             lsetxattr(p.c_str(), "system.posix_acl_access", acl.data(), acl.size(), 0) == 0;
+    });
+    sparse("sparse-small", {{8192, 4096}}, 65536);
+    if (huge_sparse) sparse("sparse-huge", {{0, 4096}, {1ull << 30, 8192}, {(4ull << 30) + 4096, 4096}}, kHugeSparseSize);
+    std::vector<std::string> deep;
     for (int i = 0; i < kDeepLevels; ++i) {
-      std::string n(kDeepNameLength, 'd');
-      n.replace(0, 2, std::to_string(10 + i));
+      std::string const n = std::to_string(10 + i) + std::string(kDeepNameLength - 2, 'd');
       dir(deep, n, 0755);
       deep.push_back(n);
     }
     file(deep, "deep-file", 1000);
     for (int i = 0; i < 20; ++i) {  // a random part
-      P at = rng_() % 2 ? P{} : P{"links"};
-      std::string n = "r" + std::to_string(i) + std::string(1, static_cast<char>(0x80 + rng_() % 0x7F));
-      if (rng_() % 4 == 0) dir(at, n, 0700 | (rng_() % 0100)); else file(at, n, rng_() % 150000, 0600 | (rng_() % 0100));
+      std::vector<std::string> at = rng_() % 2 ? std::vector<std::string>{} : std::vector<std::string>{"links"};
+      std::string const n = "r" + std::to_string(i) + static_cast<char>(0x80 + rng_() % 0x7F);
+      mode_t const mode = 0700 | static_cast<mode_t>(rng_() % 0100);
+      if (rng_() % 4 == 0) dir(at, n, mode); else file(at, n, rng_() % 150000, mode & ~0100);
     }
-    if (geteuid() == 0) chown_one({"links"}, "a", 1234, 5678);
+    if (geteuid() == 0) in({"links"}, [](int d) { return fchownat(d, "a", 1234, 5678, 0) == 0; });
     finish();
     return ok_;
   }
 
  private:
+  using Path = std::vector<std::string>;
   struct Made {
-    std::vector<std::string> at;
+    Path at;
     std::string name;
-    mode_t mode;  // 0: keep
+    mode_t mode;  // 0: leave as made
   };
-  int at_fd(std::vector<std::string> const& at) { return open_path(root_, at); }
-  void check(bool good) { ok_ = ok_ && good; }
-  std::string random_bytes(std::size_t n) {
-    std::string s(n, '\0');
-    for (char& c : s) c = static_cast<char>(rng_());
-    return s;
+  template <typename F>
+  void in(Path const& at, F f) {
+    int d = open_path(root_, at);
+    ok_ = ok_ && d >= 0 && f(d);
+    close(d);
   }
-  void file(std::vector<std::string> const& at, std::string const& name, std::size_t size, mode_t mode = 0644) {
-    int d = at_fd(at), fd = openat(d, name.c_str(), O_WRONLY | O_CREAT | O_EXCL, 0600);
-    std::string const data = random_bytes(size);
-    check(fd >= 0 && write(fd, data.data(), size) == static_cast<ssize_t>(size));
-    close(fd), close(d);
+  template <typename F>
+  void made(Path const& at, std::string const& name, mode_t mode, F f) {
+    in(at, [&](int d) { return f(d, name.c_str()); });
     made_.push_back({at, name, mode});
   }
-  void dir(std::vector<std::string> const& at, std::string const& name, mode_t mode) {
-    int d = at_fd(at);
-    check(mkdirat(d, name.c_str(), 0700) == 0);
-    close(d);
-    made_.push_back({at, name, mode});
+  void file(Path const& at, std::string const& name, std::size_t size, mode_t mode = 0644) {
+    write_at(at, name, {{0, size}}, size, mode);
   }
-  void link(std::vector<std::string> const& from, std::string const& a, std::vector<std::string> const& to, std::string const& b) {
-    int f = at_fd(from), t = at_fd(to);
-    check(linkat(f, a.c_str(), t, b.c_str(), 0) == 0);
-    close(f), close(t);
+  void dir(Path const& at, std::string const& name, mode_t mode) {
+    made(at, name, mode, [](int d, char const* n) { return mkdirat(d, n, 0700) == 0; });
   }
-  void symlink(std::vector<std::string> const& at, std::string const& target, std::string const& name) {
-    int d = at_fd(at);
-    check(symlinkat(target.c_str(), d, name.c_str()) == 0);
-    close(d);
-    made_.push_back({at, name, 0});
+  void sparse(std::string const& name, std::vector<std::pair<std::uint64_t, std::size_t>> const& data, std::uint64_t size) {
+    write_at({}, name, data, size, 0640);
   }
-  void node(std::vector<std::string> const& at, std::string const& name, mode_t mode, dev_t dev) {
-    int d = at_fd(at);
-    check(mknodat(d, name.c_str(), mode, dev) == 0);
-    close(d);
-    made_.push_back({at, name, static_cast<mode_t>(mode & 07777)});
-  }
-  void xattr(std::vector<std::string> const& at, std::string const& name, char const* key, std::string const& value) {
-    int d = at_fd(at);
-    std::string const path = "/proc/self/fd/" + std::to_string(d) + "/" + name;
-    check(lsetxattr(path.c_str(), key, value.data(), value.size(), 0) == 0);
-    close(d);
+  // A file of `size` bytes holding random data at `data`, holes elsewhere.
+  void write_at(Path const& at, std::string const& name, std::vector<std::pair<std::uint64_t, std::size_t>> const& data,
+                std::uint64_t size, mode_t mode) {
+    made(at, name, mode, [&](int d, char const* n) {
+      int fd = openat(d, n, O_WRONLY | O_CREAT | O_EXCL, 0600);
+      bool good = fd >= 0 && ftruncate(fd, static_cast<off_t>(size)) == 0;
+      for (auto const& e : data) {
+        std::string bytes(e.second, '\0');
+        for (char& c : bytes) c = static_cast<char>(rng_());
+        good = good && pwrite(fd, bytes.data(), e.second, static_cast<off_t>(e.first)) == static_cast<ssize_t>(e.second);
+      }
+      close(fd);
+      return good;
+    });
   }
   static std::string posix_acl() {  // user::rw- user:1000:r-- group::r-- mask::r-- other::---
     std::string v;
@@ -148,36 +142,19 @@ class TreeMaker {
     for (auto const& x : e) put(x[0], 2), put(x[1], 2), put(x[2], 4);
     return v;
   }
-  void sparse(std::vector<std::string> const& at, std::string const& name,
-              std::vector<std::pair<std::uint64_t, std::size_t>> const& data, std::uint64_t size) {
-    int d = at_fd(at), fd = openat(d, name.c_str(), O_WRONLY | O_CREAT | O_EXCL, 0600);
-    for (auto const& e : data) {
-      std::string const bytes = random_bytes(e.second);
-      check(pwrite(fd, bytes.data(), bytes.size(), static_cast<off_t>(e.first)) == static_cast<ssize_t>(e.second));
-    }
-    check(ftruncate(fd, static_cast<off_t>(size)) == 0);
-    close(fd), close(d);
-    made_.push_back({at, name, 0640});
-  }
-  void chown_one(std::vector<std::string> const& at, std::string const& name, uid_t u, gid_t g) {
-    int d = at_fd(at);
-    check(fchownat(d, name.c_str(), u, g, AT_SYMLINK_NOFOLLOW) == 0);
-    close(d);
-  }
   // Modes, then times, deepest (latest made) first: nothing made later
   // touches a directory's times afterwards. Access times lie a little in
   // the future, so no reader's access updates them (relatime).
   void finish() {
     std::time_t const now = std::time(nullptr);
-    for (auto it = made_.rbegin(); it != made_.rend(); ++it) {
-      int d = at_fd(it->at);
-      if (it->mode != 0) check(fchmodat(d, it->name.c_str(), it->mode, 0) == 0);
-      long const past = 1000000000L + static_cast<long>(rng_() % 600000000);
-      struct timespec const t[2] = {{now + 600 + static_cast<long>(rng_() % 3000), static_cast<long>(rng_() % 1000000000)},
-                                    {past, static_cast<long>(rng_() % 1000000000)}};
-      check(utimensat(d, it->name.c_str(), t, AT_SYMLINK_NOFOLLOW) == 0);
-      close(d);
-    }
+    for (auto it = made_.rbegin(); it != made_.rend(); ++it)
+      in(it->at, [&](int d) {
+        long const past = 1000000000L + static_cast<long>(rng_() % 600000000);
+        struct timespec const t[2] = {{now + 600 + static_cast<long>(rng_() % 3000), static_cast<long>(rng_() % 1000000000)},
+                                      {past, static_cast<long>(rng_() % 1000000000)}};
+        return (it->mode == 0 || fchmodat(d, it->name.c_str(), it->mode, 0) == 0) &&
+               utimensat(d, it->name.c_str(), t, AT_SYMLINK_NOFOLLOW) == 0;
+      });
   }
 
   int root_;
