@@ -24,11 +24,13 @@
 #include "posix_dle_data.h"
 #include "posix_fsys.h"
 #include "posix_handle_state.h"
+#include "posix_object.h"
 
 namespace qbposix {
 namespace {
 
 void free_state(FSYS_HAND_STRUCT* fsh) {
+  posix_object_drop_own(fsh);
   auto* state = static_cast<PosixHandleState*>(fsh->fsysData);
   if (state != nullptr) {
     posix_finish_deferred(*state);

@@ -10,8 +10,18 @@
 //
 // The module is loaded with dlopen by the layer's start-up. It does not link
 // the layer or the host runtime: the functions of both that it calls
-// (DLE_Create, DLE_Free, QB_Zprintf, the host queues and strings) are resolved
-// from the host process when it is loaded.
+// (DLE_Create, DLE_Free, QB_Zprintf, the host queues and strings, the GEN
+// block functions, FS_SetLastError) are resolved from the host process when
+// it is loaded.
+//
+// Files: posix_table.cpp (the table, start-up, shut-down), posix_find_drives.cpp,
+// posix_mounts.cpp, posix_dle_data.cpp, posix_remove_dle.cpp,
+// posix_machine_name.cpp, posix_attach.cpp (attach, detach, close);
+// posix_name_codec.* (byte names in wide form), posix_streams.* (stream ids
+// and records), posix_handle_state.* (directory levels, reports),
+// posix_dblk.* (blocks), posix_walk.cpp and posix_find.cpp (walking),
+// posix_object.h, posix_read.cpp and posix_write.cpp (object I/O),
+// posix_metadata.* (extended attributes and restored metadata).
 //
 // Slots, not an adapter class. The module serves every handle operation
 // through its _FUNC_LIST slots and leaves the handle's adapter unset. An
@@ -30,7 +40,10 @@
 //   the caller's block with the next object of the current directory ("."
 //   and ".." left out) and return FS_STATUS_NONE when there is none left.
 //   An entry that vanishes or cannot be examined between listing and
-//   examining is printed with its path and reason and passed over.
+//   examining is printed with its path and reason and passed over. The
+//   block's name element is the handle's (ReleaseBlk gives it back; a
+//   later find into the same block does so itself); its OS info stays
+//   valid until the next find in the same directory.
 //   FindObjClose ends the listing of the current directory.
 // - ChangeDir takes the path from the root as a run of terminated
 //   components (the layer's path form; the root is one empty component, 4

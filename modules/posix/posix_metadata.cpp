@@ -31,7 +31,8 @@ int fetch(Call call, std::string& out) {
     ssize_t const size = call(nullptr, 0);
     if (size < 0) return errno;
     out.resize(static_cast<std::size_t>(size));
-    ssize_t const got = call(size == 0 ? nullptr : &out[0], out.size());
+    if (size == 0) return 0;  // most objects have no attributes: one call
+    ssize_t const got = call(&out[0], out.size());
     if (got >= 0) {
       out.resize(static_cast<std::size_t>(got));
       return 0;

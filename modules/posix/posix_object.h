@@ -1,8 +1,12 @@
 // The posix module's open-object record: _FILE_HAND_STRUCT first (the
 // layer's fields), then what reading or restoring one object needs.
 //
-// Made by posix_open_obj with new, so the layer's fields start zeroed;
-// released by posix_close_obj.
+// The first record made for a handle becomes the handle's own object
+// handle (objHand) and is reused for every later object while it is free:
+// its staging buffer (which the layer sizes to the module's 64 KiB unit)
+// then outlives single objects instead of being allocated and zeroed for
+// each. Further records are made with new (the layer's fields start
+// zeroed) and deleted at close; objHand is deleted when the handle lets go.
 #pragma once
 #include <cstdint>
 #include <string>
@@ -24,11 +28,11 @@ struct PosixOutStream {
 };
 
 struct PosixObject : _FILE_HAND_STRUCT {
+  bool busy = false;            // open now (matters for the reused objHand)
   OPEN_MODE mode = FS_READ;
   int fd = -1;                  // the object itself, when it has one open
   int dirfd = -1;               // the directory it lies in (restoring)
   std::string name;             // its name there
-  std::wstring shown;           // its path below the root, for messages
   std::vector<std::string> place;  // restoring: its directory's components below the root
   POSIX_OS_INFO info{};         // reading: as opened; restoring: as described
 
@@ -56,6 +60,18 @@ struct PosixObject : _FILE_HAND_STRUCT {
 inline PosixObject* posix_object(_FILE_HAND_STRUCT* hand) {
   return static_cast<PosixObject*>(hand);
 }
+
+// A free record for a new object of `fsh` (its objHand when free), or null
+// when memory runs out. posix_object_release gives it back: descriptors
+// closed, objHand kept for the next object, any other record deleted.
+PosixObject* posix_object_acquire(FSYS_HAND_STRUCT* fsh);
+void posix_object_release(PosixObject* obj);
+// Deletes the handle's objHand (and its staging buffer) when it has one.
+void posix_object_drop_own(FSYS_HAND_STRUCT* fsh);
+
+// The object's path below the root, for messages; objects are reported
+// while the handle is still in the object's directory.
+std::wstring posix_object_path(PosixObject const& obj);
 
 // Opening for reading and for restoring (posix_read.cpp, posix_write.cpp).
 FS_STATUS posix_open_read(FSYS_HAND_STRUCT* fsh, PosixObject& obj, DBLK* blk);

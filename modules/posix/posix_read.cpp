@@ -4,9 +4,11 @@
 // Everything but the file's data is gathered when the object is opened (its
 // extended attributes, link target, sparse map), so each stream's size is
 // known before its header goes out. The data stream's size is the file's
-// size when it was opened: a file that grows meanwhile is delivered as it
-// was then and printed; one that shrinks cannot fill its promised stream and
-// ends with FS_STATUS_EXT_ERROR, its path and the reason on the handle.
+// size when it was listed: a file that grows meanwhile is delivered as it
+// was then and printed, as is one that was replaced or changed (seen by one
+// stat once its data was read); one that shrinks cannot fill its promised
+// stream and ends with FS_STATUS_EXT_ERROR, its path and the reason on the
+// handle.
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -27,6 +29,8 @@ namespace {
 
 constexpr std::uint64_t kBlockBytes = 512;  // unit of st_blocks
 
+constexpr int kFileFlags = O_RDONLY | O_NOFOLLOW | O_CLOEXEC | O_NOCTTY | O_NONBLOCK;
+
 int open_noatime(int dirfd, char const* name, int flags) {
   // O_NOATIME keeps a backup from touching access times; the kernel grants
   // it to the owner and to privileged callers only.
@@ -35,13 +39,18 @@ int open_noatime(int dirfd, char const* name, int flags) {
   return fd;
 }
 
+FS_STATUS report_open(FSYS_HAND_STRUCT* fsh, PosixObject const& obj, int error) {
+  return posix_report(fsh, error, posix_object_path(obj),
+                      error == ENOENT ? L"vanished before it could be read" : L"could not be opened");
+}
+
 // The extents of data of a file of `size` bytes, found with SEEK_DATA and
 // SEEK_HOLE. A file whose blocks cover its size has no holes, and one on a
 // file system that cannot say is read whole.
-std::vector<PosixExtent> data_extents(int fd, struct stat const& st) {
-  std::uint64_t const size = static_cast<std::uint64_t>(st.st_size);
+std::vector<PosixExtent> data_extents(int fd, POSIX_OS_INFO const& info) {
+  std::uint64_t const size = info.size;
   if (size == 0) return {};
-  if (static_cast<std::uint64_t>(st.st_blocks) * kBlockBytes >= size) return {{0, size}};
+  if (info.blocks * kBlockBytes >= size) return {{0, size}};
   std::vector<PosixExtent> extents;
   off_t at = 0;
   while (static_cast<std::uint64_t>(at) < size) {
@@ -92,20 +101,21 @@ void add_stream(PosixObject& obj, std::uint32_t id, std::string bytes) {
 void check_after_data(PosixObject& obj) {
   struct stat st {};
   if (fstat(obj.fd, &st) != 0) return;
-  if (static_cast<std::uint64_t>(st.st_size) > obj.info.size) {
-    posix_note(0, obj.shown,
+  if (st.st_ino != obj.info.ino || st.st_dev != obj.info.dev) {
+    posix_note(0, posix_object_path(obj), L"was replaced after it was listed; the file found when opened was read");
+  } else if (static_cast<std::uint64_t>(st.st_size) > obj.info.size) {
+    posix_note(0, posix_object_path(obj),
                L"grew from " + std::to_wstring(obj.info.size) + L" to " +
                    std::to_wstring(st.st_size) + L" bytes while being read; the first " +
                    std::to_wstring(obj.info.size) + L" bytes were kept");
   } else if (st.st_mtim.tv_sec != obj.info.mtime_sec ||
              static_cast<std::uint32_t>(st.st_mtim.tv_nsec) != obj.info.mtime_nsec) {
-    posix_note(0, obj.shown, L"changed while being read; the copy may mix old and new data");
+    posix_note(0, posix_object_path(obj), L"changed while being read; the copy may mix old and new data");
   }
 }
 
-FS_STATUS plan_regular(FSYS_HAND_STRUCT* fsh, PosixHandleState& state, PosixObject& obj,
-                       struct stat const& st) {
-  if (st.st_nlink > 1) {
+FS_STATUS plan_regular(PosixHandleState& state, PosixObject& obj) {
+  if (obj.info.nlink > 1) {
     auto const key = std::make_pair(obj.info.dev, obj.info.ino);
     auto const found = state.first_links.find(key);
     if (found != state.first_links.end()) {
@@ -114,7 +124,7 @@ FS_STATUS plan_regular(FSYS_HAND_STRUCT* fsh, PosixHandleState& state, PosixObje
     }
     state.first_links.emplace(key, join_path(posix_current_components(state), obj.name));
   }
-  obj.extents = data_extents(obj.fd, st);
+  obj.extents = data_extents(obj.fd, obj.info);
   std::uint64_t data_bytes = 0;
   for (PosixExtent const& e : obj.extents) data_bytes += e.length;
   if (!is_whole(obj.extents, obj.info.size)) {
@@ -123,7 +133,6 @@ FS_STATUS plan_regular(FSYS_HAND_STRUCT* fsh, PosixHandleState& state, PosixObje
     add_stream(obj, POSIX_STRM_SPARSE_MAP, std::move(map));
   }
   if (data_bytes > 0) obj.streams.push_back({POSIX_STRM_DATA, data_bytes, {}, true});
-  (void)fsh;
   return FS_SUCCESS;
 }
 
@@ -138,12 +147,12 @@ FS_STATUS read_data(PosixObject& obj, unsigned char* buffer, std::uint32_t room,
   do {
     got = pread(obj.fd, buffer, want, static_cast<off_t>(e.offset + obj.extent_offset));
   } while (got < 0 && errno == EINTR);
-  if (got < 0) return posix_report(obj.fsysHand, errno, obj.shown, L"could not be read");
+  if (got < 0) return posix_report(obj.fsysHand, errno, posix_object_path(obj), L"could not be read");
   if (got == 0 && want > 0) {
     std::wstring const what = L"shrank while being read: " + std::to_wstring(obj.offset) +
                               L" of " + std::to_wstring(s.size) +
                               L" bytes were read before its end; the copy is incomplete";
-    return posix_report(obj.fsysHand, 0, obj.shown, what.c_str());
+    return posix_report(obj.fsysHand, 0, posix_object_path(obj), what.c_str());
   }
   std::uint64_t const n = static_cast<std::uint64_t>(got);
   obj.offset += n;
@@ -162,45 +171,41 @@ FS_STATUS read_data(PosixObject& obj, unsigned char* buffer, std::uint32_t room,
 FS_STATUS posix_open_read(FSYS_HAND_STRUCT* fsh, PosixObject& obj, DBLK* blk) {
   PosixHandleState& state = *posix_state(fsh);
   if (!posix_blk_name(blk, obj.name)) return FS_ERR_BAD_PARAMETER;
-  obj.shown = posix_display_path(state, obj.name);
   int const dirfd = posix_current_fd(state);
   char const* name = obj.name.c_str();
-  struct stat st {};
-  if (fstatat(dirfd, name, &st, AT_SYMLINK_NOFOLLOW) != 0)
-    return posix_report(fsh, errno, obj.shown,
-                        errno == ENOENT ? L"vanished before it could be read" : L"could not be examined");
-  POSIX_OS_INFO listed{};
-  if (posix_blk_info(blk, listed) &&
-      (listed.ino != st.st_ino || (listed.mode & S_IFMT) != (st.st_mode & S_IFMT)))
-    posix_note(0, obj.shown, L"was replaced after it was listed; the object found now is read");
-
-  if (S_ISREG(st.st_mode) || S_ISDIR(st.st_mode)) {
-    int const flags = O_RDONLY | O_NOFOLLOW | O_CLOEXEC | O_NOCTTY |
-                      (S_ISDIR(st.st_mode) ? O_DIRECTORY : O_NONBLOCK);
-    obj.fd = open_noatime(dirfd, name, flags);
-    if (obj.fd < 0)
-      return posix_report(fsh, errno, obj.shown,
-                          errno == ENOENT ? L"vanished before it could be read" : L"could not be opened");
-    if (fstat(obj.fd, &st) != 0) return posix_report(fsh, errno, obj.shown, L"could not be examined");
+  // The stat record the listing took is the plan: one more stat per object
+  // would cost as much as reading a small file. What changed since is found
+  // when the data has been read (check_after_data) or by the open itself.
+  // A block without that record (not from a listing) is examined now.
+  bool const listed = posix_blk_info(blk, obj.info);
+  if (!listed) {
+    struct stat st {};
+    if (fstatat(dirfd, name, &st, AT_SYMLINK_NOFOLLOW) != 0) return report_open(fsh, obj, errno);
+    obj.info = posix_os_info_from_stat(st);
   }
-  obj.info = posix_os_info_from_stat(st);
-
+  if (S_ISREG(obj.info.mode)) {
+    // O_NOFOLLOW and O_NONBLOCK keep a link or FIFO put in its place from
+    // being followed or waited on; reading such an object fails with its
+    // reason.
+    obj.fd = open_noatime(dirfd, name, kFileFlags);
+    if (obj.fd < 0) return report_open(fsh, obj, errno);
+  }
   std::vector<PosixXattr> xattrs;
   int const error = posix_read_xattrs(dirfd, obj.name, obj.fd, xattrs);
   if (error != 0)
-    return posix_report(fsh, error, obj.shown, L"extended attributes could not be read");
+    return posix_report(fsh, error, posix_object_path(obj), L"extended attributes could not be read");
   if (!xattrs.empty()) {
     std::string bytes;
     posix_put_xattrs(xattrs, bytes);
     add_stream(obj, POSIX_STRM_XATTRS, std::move(bytes));
   }
-  if (S_ISLNK(st.st_mode)) {
+  if (S_ISLNK(obj.info.mode)) {
     std::string target;
     if (int const e = read_link(dirfd, obj.name, target))
-      return posix_report(fsh, e, obj.shown, L"link target could not be read");
+      return posix_report(fsh, e, posix_object_path(obj), L"link target could not be read");
     add_stream(obj, POSIX_STRM_SYMLINK, std::move(target));
   }
-  return S_ISREG(st.st_mode) ? plan_regular(fsh, state, obj, st) : FS_SUCCESS;
+  return S_ISREG(obj.info.mode) ? plan_regular(state, obj) : FS_SUCCESS;
 }
 
 FS_STATUS posix_open_obj(FSYS_HAND_STRUCT* fsh, _FILE_HAND_STRUCT** out, DBLK* blk, OPEN_MODE mode) {
@@ -208,16 +213,13 @@ FS_STATUS posix_open_obj(FSYS_HAND_STRUCT* fsh, _FILE_HAND_STRUCT** out, DBLK* b
   if (posix_state(fsh) == nullptr || out == nullptr || blk == nullptr || !dblk_is_object(blk))
     return FS_ERR_BAD_PARAMETER;
   if (mode != FS_READ && mode != FS_WRITE) return FS_ERR_NOT_SUPPORTED;
-  auto* obj = new (std::nothrow) PosixObject();
+  PosixObject* obj = posix_object_acquire(fsh);
   if (obj == nullptr) return FS_ERR_NO_MEMORY;
-  obj->fsysHand = fsh;
   obj->mode = mode;
   FS_STATUS const status = mode == FS_READ ? posix_open_read(fsh, *obj, blk)
                                            : posix_open_write(fsh, *obj, blk);
   if (status != FS_SUCCESS) {
-    if (obj->fd >= 0) close(obj->fd);
-    if (obj->dirfd >= 0) close(obj->dirfd);
-    delete obj;
+    posix_object_release(obj);
     return status;
   }
   *out = obj;
@@ -261,10 +263,9 @@ FS_STATUS posix_read_obj(_FILE_HAND_STRUCT* hand, unsigned char* buffer, unsigne
 FS_STATUS posix_close_obj(_FILE_HAND_STRUCT* hand, void**, void**) {
   if (hand == nullptr) return FS_ERR_BAD_PARAMETER;
   PosixObject* obj = posix_object(hand);
+  if (obj->fsysHand == nullptr || !obj->busy) return FS_ERR_BAD_PARAMETER;
   FS_STATUS const status = obj->mode == FS_WRITE ? posix_finish_write(*obj) : FS_SUCCESS;
-  if (obj->fd >= 0) close(obj->fd);
-  if (obj->dirfd >= 0) close(obj->dirfd);
-  delete obj;
+  posix_object_release(obj);
   return status;
 }
 

@@ -76,7 +76,7 @@ int make_object(int dirfd, std::string const& name, POSIX_OS_INFO const& info, b
 }
 
 FS_STATUS fail(PosixObject& obj, int error, wchar_t const* what) {
-  FS_STATUS const status = posix_report(obj.fsysHand, error, obj.shown, what);
+  FS_STATUS const status = posix_report(obj.fsysHand, error, posix_object_path(obj), what);
   if (obj.failure == FS_SUCCESS) obj.failure = status;
   return status;
 }
@@ -197,15 +197,14 @@ FS_STATUS posix_create_obj(FSYS_HAND_STRUCT* fsh, DBLK* blk, wchar_t const* name
 FS_STATUS posix_open_write(FSYS_HAND_STRUCT* fsh, PosixObject& obj, DBLK* blk) {
   PosixHandleState& state = *posix_state(fsh);
   if (!posix_blk_name(blk, obj.name)) return FS_ERR_BAD_PARAMETER;
-  obj.shown = posix_display_path(state, obj.name);
-  if (!posix_blk_info(blk, obj.info))
-    return posix_report(fsh, EINVAL, obj.shown, L"block carries no stat record to restore from");
-  obj.place = posix_current_components(state);
+    if (!posix_blk_info(blk, obj.info))
+    return posix_report(fsh, EINVAL, posix_object_path(obj), L"block carries no stat record to restore from");
+  if (S_ISDIR(obj.info.mode)) obj.place = posix_current_components(state);
   obj.dirfd = fcntl(posix_current_fd(state), F_DUPFD_CLOEXEC, 0);
-  if (obj.dirfd < 0) return posix_report(fsh, errno, obj.shown, L"directory could not be held");
+  if (obj.dirfd < 0) return posix_report(fsh, errno, posix_object_path(obj), L"directory could not be held");
   if (S_ISREG(obj.info.mode)) {
     obj.fd = openat(obj.dirfd, obj.name.c_str(), O_WRONLY | O_NOFOLLOW | O_CLOEXEC);
-    if (obj.fd < 0) return posix_report(fsh, errno, obj.shown, L"could not be opened for writing");
+    if (obj.fd < 0) return posix_report(fsh, errno, posix_object_path(obj), L"could not be opened for writing");
   }
   return FS_SUCCESS;
 }
