@@ -23,13 +23,15 @@
 namespace qbposix {
 namespace {
 
-constexpr int kCaseSensitive = 1;
+constexpr int kCaseSensitive = 1;  // names on Linux differ by case
+constexpr int kWholeName = 0;      // no partial matches
+constexpr int kClassicRules = 0;   // FS_CompareFileSpec flags: none
 
 bool matches(std::wstring const& spec, std::wstring name) {
   if (spec.empty() || spec == L"*") return true;
   std::wstring pattern = spec;
   return FS_CompareFileSpec(&name[0], static_cast<short>(name.size()), &pattern[0],
-                            static_cast<short>(pattern.size()), kCaseSensitive, 0, 0) ==
+                            static_cast<short>(pattern.size()), kCaseSensitive, kWholeName, kClassicRules) ==
          FS_SPEC_MATCH;
 }
 

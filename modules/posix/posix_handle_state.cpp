@@ -33,13 +33,14 @@ void posix_close_levels(PosixHandleState& state) {
 
 std::vector<std::string> posix_current_components(PosixHandleState const& state) {
   std::vector<std::string> out;
-  for (std::size_t i = 1; i < state.levels.size(); ++i) out.push_back(state.levels[i].name);
+  for (std::size_t i = POSIX_FIRST_BELOW_ROOT; i < state.levels.size(); ++i)
+    out.push_back(state.levels[i].name);
   return out;
 }
 
 std::wstring posix_display_path(PosixHandleState const& state, std::string const& name) {
   std::wstring out;
-  for (std::size_t i = 1; i < state.levels.size(); ++i)
+  for (std::size_t i = POSIX_FIRST_BELOW_ROOT; i < state.levels.size(); ++i)
     out += L"/" + posix_decode_name(state.levels[i].name);
   if (!name.empty()) out += L"/" + posix_decode_name(name);
   return out.empty() ? L"/" : out;

@@ -27,7 +27,9 @@
 
 namespace qbposix {
 
-// One directory of the current path; levels[0] is the attached root.
+// One directory of the current path; levels[0] is the attached root, and
+// the path below the root starts at levels[POSIX_FIRST_BELOW_ROOT].
+constexpr std::size_t POSIX_FIRST_BELOW_ROOT = 1;
 struct PosixLevel {
   std::string name;      // its name in the directory above (empty for the root)
   int fd = -1;           // O_DIRECTORY descriptor, owned

@@ -9,12 +9,18 @@ namespace qbposix {
 namespace {
 
 constexpr unsigned kBitsPerByte = 8;
+constexpr std::uint64_t kByteMask = 0xFF;
+// Offsets of the second field of an extended-attribute record header, of
+// a sparse map's header and of an extent.
+constexpr std::size_t kXattrValueLengthAt = 4;
+constexpr std::size_t kSparseCountAt = 8;
+constexpr std::size_t kExtentLengthAt = 8;
 
 template <typename T>
 void put_le(std::string& out, T value) {
   char bytes[sizeof(T)];
   for (std::size_t i = 0; i < sizeof(T); ++i)
-    bytes[i] = static_cast<char>((static_cast<std::uint64_t>(value) >> (kBitsPerByte * i)) & 0xFFu);
+    bytes[i] = static_cast<char>((static_cast<std::uint64_t>(value) >> (kBitsPerByte * i)) & kByteMask);
   out.append(bytes, sizeof(T));
 }
 
@@ -73,7 +79,7 @@ bool posix_parse_xattrs(std::string const& data, std::vector<PosixXattr>& out) {
   while (at < data.size()) {
     if (data.size() - at < POSIX_XATTR_HEADER_SIZE) return false;
     std::uint64_t const name_len = get_le<std::uint32_t>(data.data() + at);
-    std::uint64_t const value_len = get_le<std::uint32_t>(data.data() + at + 4);
+    std::uint64_t const value_len = get_le<std::uint32_t>(data.data() + at + kXattrValueLengthAt);
     at += POSIX_XATTR_HEADER_SIZE;
     if (name_len == 0 || name_len + value_len > data.size() - at) return false;
     out.push_back({data.substr(at, name_len), data.substr(at + name_len, value_len)});
@@ -98,14 +104,14 @@ bool posix_parse_sparse_map(std::string const& data, std::uint64_t& file_size,
   extents.clear();
   if (data.size() < POSIX_SPARSE_HEADER_SIZE) return false;
   file_size = get_le<std::uint64_t>(data.data());
-  std::uint64_t const count = get_le<std::uint64_t>(data.data() + 8);
+  std::uint64_t const count = get_le<std::uint64_t>(data.data() + kSparseCountAt);
   if (count != (data.size() - POSIX_SPARSE_HEADER_SIZE) / POSIX_SPARSE_EXTENT_SIZE ||
       (data.size() - POSIX_SPARSE_HEADER_SIZE) % POSIX_SPARSE_EXTENT_SIZE != 0)
     return false;
   std::uint64_t end = 0;
   for (std::uint64_t i = 0; i < count; ++i) {
     char const* p = data.data() + POSIX_SPARSE_HEADER_SIZE + i * POSIX_SPARSE_EXTENT_SIZE;
-    PosixExtent const e{get_le<std::uint64_t>(p), get_le<std::uint64_t>(p + 8)};
+    PosixExtent const e{get_le<std::uint64_t>(p), get_le<std::uint64_t>(p + kExtentLengthAt)};
     if (e.offset < end || e.length > file_size || e.offset > file_size - e.length) return false;
     end = e.offset + e.length;
     extents.push_back(e);

@@ -4,12 +4,37 @@
 // for blocks of its layout are filled with the layer's GEN functions
 // (resolved from the host process at load): every block this module makes
 // or restores from has that layout.
+#include <new>
+
 #include <qbfsys/gen.h>
 #include <qbfsys/module.h>
 
 #include "posix_fsys.h"
 
 namespace qbposix {
+namespace {
+
+// Every slot of the module is entered through this guard: the module uses
+// the standard containers, and no exception may reach the layer, which is
+// not built to unwind through a table call. Running out of memory is
+// FS_ERR_NO_MEMORY; any other exception (a length beyond what a container
+// holds) is input the module cannot take, FS_ERR_BAD_PARAMETER.
+template <auto Slot>
+struct guarded;
+template <typename... Args, FS_STATUS (*Slot)(Args...)>
+struct guarded<Slot> {
+  static FS_STATUS call(Args... args) noexcept {
+    try {
+      return Slot(args...);
+    } catch (std::bad_alloc const&) {
+      return FS_ERR_NO_MEMORY;
+    } catch (...) {
+      return FS_ERR_BAD_PARAMETER;
+    }
+  }
+};
+
+}  // namespace
 
 // Nothing to prepare: the module keeps no state between calls; every drive
 // search reads the configuration and the mount table afresh.
@@ -23,31 +48,31 @@ FS_MODULE_EXPORT int GetTable(int n, unsigned int, _FUNC_LIST* out, int* index) 
   using namespace qbposix;
   if (n != 0 || out == nullptr || index == nullptr) return 0;
   _FUNC_LIST table{};
-  table.InitFileSys = &posix_init_file_sys;
-  table.DeInitFileSys = &posix_deinit_file_sys;
-  table.FindDrives = &posix_find_drives;
-  table.RemoveDLE = &posix_remove_dle;
-  table.GetMachineName = &posix_get_machine_name;
-  table.AttachToDLE = &posix_attach_to_dle;
-  table.DetachDLE = &posix_detach_dle;
-  table.CloseSys = &posix_close_sys;
+  table.InitFileSys = &guarded<&posix_init_file_sys>::call;
+  table.DeInitFileSys = &guarded<&posix_deinit_file_sys>::call;
+  table.FindDrives = &guarded<&posix_find_drives>::call;
+  table.RemoveDLE = &guarded<&posix_remove_dle>::call;
+  table.GetMachineName = &guarded<&posix_get_machine_name>::call;
+  table.AttachToDLE = &guarded<&posix_attach_to_dle>::call;
+  table.DetachDLE = &guarded<&posix_detach_dle>::call;
+  table.CloseSys = &guarded<&posix_close_sys>::call;
   // walking
-  table.ChangeDir = &posix_change_dir;
-  table.ChangeDirUp = &posix_change_dir_up;
-  table.ChangeIntoDDB = &posix_change_into_ddb;
-  table.GetCurrentPath = &posix_get_current_path;
-  table.GetCurrentDDB = &posix_get_current_ddb;
-  table.FindFirstObj = &posix_find_first_obj;
-  table.FindNextObj = &posix_find_next_obj;
-  table.FindObjClose = &posix_find_obj_close;
+  table.ChangeDir = &guarded<&posix_change_dir>::call;
+  table.ChangeDirUp = &guarded<&posix_change_dir_up>::call;
+  table.ChangeIntoDDB = &guarded<&posix_change_into_ddb>::call;
+  table.GetCurrentPath = &guarded<&posix_get_current_path>::call;
+  table.GetCurrentDDB = &guarded<&posix_get_current_ddb>::call;
+  table.FindFirstObj = &guarded<&posix_find_first_obj>::call;
+  table.FindNextObj = &guarded<&posix_find_next_obj>::call;
+  table.FindObjClose = &guarded<&posix_find_obj_close>::call;
   // objects
-  table.CreateObj = &posix_create_obj;
-  table.OpenObj = &posix_open_obj;
-  table.ReadObj = &posix_read_obj;
-  table.WriteObj = &posix_write_obj;
-  table.CloseObj = &posix_close_obj;
+  table.CreateObj = &guarded<&posix_create_obj>::call;
+  table.OpenObj = &guarded<&posix_open_obj>::call;
+  table.ReadObj = &guarded<&posix_read_obj>::call;
+  table.WriteObj = &guarded<&posix_write_obj>::call;
+  table.CloseObj = &guarded<&posix_close_obj>::call;
   // blocks of the generic layout
-  table.ReleaseBlk = &posix_release_blk;
+  table.ReleaseBlk = &guarded<&posix_release_blk>::call;
   table.CreateDBLK = &GEN_CreateDBLK;
   table.CreateGenFDB = &GEN_CreateFDB;
   table.CreateGenDDB = &GEN_CreateDDB;

@@ -20,6 +20,7 @@ namespace qbposix {
 namespace {
 
 constexpr short kWide = static_cast<short>(sizeof(wchar_t));
+constexpr std::size_t kRootRunLength = 1;  // characters of the root's run
 
 void pop_level(PosixHandleState& state) {
   PosixLevel& level = state.levels.back();
@@ -35,7 +36,7 @@ bool split_run(wchar_t const* path, short size, std::vector<std::string>& out) {
   if (path == nullptr || size < kWide || size % kWide != 0) return false;
   std::size_t const count = static_cast<std::size_t>(size / kWide);
   if (path[count - 1] != L'\0') return false;
-  if (count == 1) return true;  // the root
+  if (count == kRootRunLength) return true;  // one empty component: the root
   std::size_t start = 0;
   for (std::size_t i = 0; i < count; ++i) {
     if (path[i] != L'\0') continue;
@@ -101,7 +102,7 @@ FS_STATUS posix_change_into_ddb(FSYS_HAND_STRUCT* fsh, DBLK* blk) {
 FS_STATUS posix_change_dir_up(FSYS_HAND_STRUCT* fsh) {
   PosixHandleState* state = posix_state(fsh);
   if (state == nullptr) return FS_ERR_BAD_PARAMETER;
-  if (state->levels.size() < 2) return FS_ERR_NOT_SUPPORTED;
+  if (state->levels.size() <= POSIX_FIRST_BELOW_ROOT) return FS_ERR_NOT_SUPPORTED;  // at the root
   pop_level(*state);
   return FS_SUCCESS;
 }
@@ -111,7 +112,7 @@ FS_STATUS posix_get_current_path(FSYS_HAND_STRUCT* fsh, wchar_t* path, short* si
   if (state == nullptr || size == nullptr || (path == nullptr && *size > 0))
     return FS_ERR_BAD_PARAMETER;
   std::wstring run;
-  for (std::size_t i = 1; i < state->levels.size(); ++i) {
+  for (std::size_t i = POSIX_FIRST_BELOW_ROOT; i < state->levels.size(); ++i) {
     run += posix_decode_name(state->levels[i].name);
     run.push_back(L'\0');
   }

@@ -32,6 +32,7 @@ namespace {
 
 constexpr mode_t kPrivateFile = 0600;
 constexpr mode_t kPrivateDir = 0700;
+constexpr unsigned kNoMinimum = 1;  // `need`: any amount will do
 
 bool is_short_stream(std::uint32_t id) {
   return id == POSIX_STRM_XATTRS || id == POSIX_STRM_SYMLINK || id == POSIX_STRM_HARDLINK ||
@@ -215,7 +216,7 @@ FS_STATUS posix_write_obj(_FILE_HAND_STRUCT* hand, unsigned char* buffer, unsign
     return FS_ERR_BAD_PARAMETER;
   PosixObject& obj = *posix_object(hand);
   if (obj.mode != FS_WRITE) return FS_ERR_BAD_PARAMETER;
-  *need = 1;
+  *need = kNoMinimum;
   if (stream != nullptr && stream->id != STRM_INVALID) {
     if (is_short_stream(obj.in_id) && obj.in_received < obj.in_size)
       fail(obj, EINVAL, L"stream ended before its announced size");
