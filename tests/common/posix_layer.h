@@ -135,74 +135,66 @@ inline void walk(FSYS_HAND_STRUCT* hand, std::function<void(DBLK*)> const& visit
   t.ReleaseBlk(hand, &blk);
 }
 
+// A block of `dst` describing the object `blk` of `src` as a restore would:
+// FS_CreateGenDBLK with the name, OS info and attributes read from `src`.
+inline void describe_again(FSYS_HAND_STRUCT* src, DBLK* blk, FSYS_HAND_STRUCT* dst, DBLK* out) {
+  std::vector<wchar_t> name(static_cast<std::size_t>(src->funcTable->SizeofOSName(src, blk, false)) / sizeof(wchar_t) + 1);
+  src->funcTable->GetOSName(src, blk, name.data(), false);
+  static unsigned char info[1024];  // FS_GetOS_InfoFromDBLK's capacity
+  FS_GetOS_InfoFromDBLK(src, blk, info);
+  _CREATE_DBLK req;
+  FS_SetDefaultDBLK(dst, static_cast<char>(blk->blk_type), 0, &req);
+  req.dblk = req.gen.dblk = out;
+  req.gen.name = name.data();
+  req.gen.name_size = static_cast<std::uint16_t>((std::wcslen(name.data()) + 1) * sizeof(wchar_t));
+  req.gen.os_id = blk->os_id;
+  req.gen.os_ver = blk->os_ver;
+  req.gen.os_info = info;
+  req.gen.os_info_size = static_cast<std::uint16_t>(FS_SizeofOS_InfoInDBLK(src, blk));
+  req.gen.media_attrib = FS_GetAttrib1FromDBLK(src, blk);
+  req.gen.attrib2 = FS_GetAttrib2FromDBLK(src, blk);
+  FS_CreateGenDBLK(dst, blk->blk_type, &req);
+}
+
 // Copies every object below the current directory of `src` into the current
-// directory of `dst`: each block is described again with FS_CreateGenDBLK on
-// `dst`, made with CreateObj and written with FS_WriteObj in pieces whose
+// directory of `dst` as a restore would (describe_again, CreateObj,
+// FS_OpenObj/FS_WriteObj/FS_CloseObj), reads and writes in pieces whose
 // sizes come from `rng`. Returns the totals of the reading side.
 inline WalkTotals copy_tree(FSYS_HAND_STRUCT* src, FSYS_HAND_STRUCT* dst, std::mt19937& rng) {
   constexpr unsigned kMaxPiece = 70000;
-  _FUNC_LIST const& s = *src->funcTable;
   _FUNC_LIST const& d = *dst->funcTable;
   WalkTotals totals;
-  struct Made {
-    DBLK blk;
-    bool entered;
+  std::vector<std::pair<DBLK, bool>> made;  // each directory being copied, and whether dst entered it
+  auto write = [&](_FILE_HAND_STRUCT* obj, STREAM_INFO const& h, unsigned char* data, unsigned n) {
+    STREAM_INFO header = h, none{};
+    unsigned need = 0, zero = 0;
+    if (data == nullptr) return FS_WriteObj(obj, nullptr, &zero, &need, &header);
+    FS_STATUS w = FS_SUCCESS;
+    for (unsigned at = 0, piece = 0; at < n && w == FS_SUCCESS; at += piece) {
+      piece = std::min(n - at, 1 + static_cast<unsigned>(rng() % kMaxPiece));
+      w = FS_WriteObj(obj, data + at, &piece, &need, &none);
+    }
+    return w;
   };
-  std::vector<Made> made;  // the destination block of each directory being copied
   auto visit = [&](DBLK* blk) {
-    std::vector<wchar_t> name(static_cast<std::size_t>(s.SizeofOSName(src, blk, false)) / sizeof(wchar_t) + 1);
-    s.GetOSName(src, blk, name.data(), false);
-    unsigned char info[1024];
-    FS_GetOS_InfoFromDBLK(src, blk, info);
-    unsigned short os_id = 0, os_ver = 0;
-    FS_GetOSid_verFromDBLK(src, blk, &os_id, &os_ver);
     DBLK out{};
-    _CREATE_DBLK req;
-    FS_SetDefaultDBLK(dst, static_cast<char>(blk->blk_type), 0, &req);
-    req.dblk = req.gen.dblk = &out;
-    req.gen.name = name.data();
-    req.gen.name_size = static_cast<std::uint16_t>((std::wcslen(name.data()) + 1) * sizeof(wchar_t));
-    req.gen.name_char_type = DBLK_NAME_WIDE;
-    req.gen.os_id = static_cast<std::uint8_t>(os_id);
-    req.gen.os_ver = static_cast<std::uint8_t>(os_ver);
-    req.gen.os_info = info;
-    req.gen.os_info_size = static_cast<std::uint16_t>(FS_SizeofOS_InfoInDBLK(src, blk));
-    req.gen.media_attrib = FS_GetAttrib1FromDBLK(src, blk);
-    req.gen.attrib2 = FS_GetAttrib2FromDBLK(src, blk);
-    FS_CreateGenDBLK(dst, blk->blk_type, &req);
-    _FILE_HAND_STRUCT* out_obj = nullptr;
+    describe_again(src, blk, dst, &out);
+    _FILE_HAND_STRUCT* obj = nullptr;
     FS_STATUS st = d.CreateObj(dst, &out, nullptr, RESTORE_OVERWRITE);
-    if (st == FS_SUCCESS) st = FS_OpenObj(dst, &out_obj, &out, FS_WRITE);
+    if (st == FS_SUCCESS) st = FS_OpenObj(dst, &obj, &out, FS_WRITE);
     if (st != FS_SUCCESS) totals.failures.push_back(L"restore: " + last_message(dst));
     read_object(src, blk, &rng, [&](STREAM_INFO const& h, unsigned char* data, unsigned n) {
-      if (out_obj == nullptr) return FS_SUCCESS;
-      unsigned need = 0;
-      if (data == nullptr) {
-        STREAM_INFO header = h;
-        unsigned zero = 0;
-        return FS_WriteObj(out_obj, nullptr, &zero, &need, &header);
-      }
-      for (unsigned at = 0; at < n;) {
-        unsigned piece = std::min(n - at, 1 + static_cast<unsigned>(rng() % kMaxPiece));
-        STREAM_INFO none{};
-        FS_STATUS const w = FS_WriteObj(out_obj, data + at, &piece, &need, &none);
-        if (w != FS_SUCCESS) return w;
-        at += piece;
-      }
-      return FS_SUCCESS;
+      return obj == nullptr ? FS_SUCCESS : write(obj, h, data, n);
     }, totals);
-    if (out_obj != nullptr && FS_CloseObj(out_obj, nullptr, nullptr) != FS_SUCCESS)
+    if (obj != nullptr && FS_CloseObj(obj, nullptr, nullptr) != FS_SUCCESS)
       totals.failures.push_back(L"restore close: " + last_message(dst));
-    if (blk->blk_type == DBLK_KIND_DDB) {
-      made.push_back({out, false});
-      made.back().entered = d.ChangeIntoDDB(dst, &made.back().blk) == FS_SUCCESS;
-    } else {
-      d.ReleaseBlk(dst, &out);
-    }
+    if (blk->blk_type != DBLK_KIND_DDB) return (void)d.ReleaseBlk(dst, &out);
+    made.push_back({out, false});
+    made.back().second = d.ChangeIntoDDB(dst, &made.back().first) == FS_SUCCESS;
   };
   auto leave = [&](DBLK*) {
-    if (made.back().entered) d.ChangeDirUp(dst);
-    d.ReleaseBlk(dst, &made.back().blk);
+    if (made.back().second) d.ChangeDirUp(dst);
+    d.ReleaseBlk(dst, &made.back().first);
     made.pop_back();
   };
   walk(src, visit, leave);

@@ -1,12 +1,8 @@
 // Paths, blocks and streams that a caller or damaged media may hand the
 // posix module: each gets a clear status, nothing outside the attached
 // root is touched, and the handle stays usable.
-#include <fcntl.h>
-#include <stdlib.h>
 #include <sys/stat.h>
 #include <unistd.h>
-
-#include <string>
 
 #include <gtest/gtest.h>
 
@@ -17,13 +13,13 @@
 
 namespace {
 
-using PathRun = std::wstring;  // the layer's path form: terminated components
-PathRun run(std::initializer_list<std::wstring> parts) {
-  PathRun r;
+// The layer's path form: terminated components; the root is one empty one.
+std::wstring run(std::initializer_list<std::wstring> parts) {
+  std::wstring r;
   for (auto const& p : parts) r += p + std::wstring(1, L'\0');
   return parts.size() == 0 ? std::wstring(1, L'\0') : r;
 }
-short bytes(PathRun const& r) { return static_cast<short>(r.size() * sizeof(wchar_t)); }
+short bytes(std::wstring const& r) { return static_cast<short>(r.size() * sizeof(wchar_t)); }
 
 class PosixBadInput : public ::testing::Test {
  protected:
@@ -34,26 +30,13 @@ class PosixBadInput : public ::testing::Test {
     ASSERT_EQ(mkdir((root_ + "/\xff\xfe-dir").c_str(), 0755), 0);
     ASSERT_EQ(symlink("/etc", (root_ + "/to-etc").c_str()), 0);
     session_ = std::make_unique<qbtest::PosixSession>(QB_TEST_MODULE_DIR, std::vector<std::string>{root_});
-    hand_ = session_->attach(root_);
-    ASSERT_NE(hand_, nullptr);
+    ASSERT_NE(hand_ = session_->attach(root_), nullptr);
   }
   void TearDown() override {
     FS_DetachDLE(hand_);
     session_.reset();
     EXPECT_EQ(std::system(("rm -rf '" + root_ + "'").c_str()), 0);
   }
-  // A file block described as a restore would, with `info` as its OS info.
-  void describe(DBLK& out, wchar_t const* name, void* info, std::uint16_t info_size) {
-    _CREATE_DBLK req;
-    FS_SetDefaultDBLK(hand_, DBLK_KIND_FDB, 0, &req);
-    req.dblk = req.gen.dblk = &out;
-    req.gen.name = name;
-    req.gen.name_size = static_cast<std::uint16_t>((std::wcslen(name) + 1) * sizeof(wchar_t));
-    req.gen.os_info = info;
-    req.gen.os_info_size = info_size;
-    ASSERT_EQ(FS_CreateGenDBLK(hand_, DBLK_KIND_FDB, &req), 0);
-  }
-
   std::string root_;
   std::unique_ptr<qbtest::PosixSession> session_;
   FSYS_HAND_STRUCT* hand_ = nullptr;
@@ -62,36 +45,31 @@ class PosixBadInput : public ::testing::Test {
 
 TEST_F(PosixBadInput, ChangeDirRefusesMalformedPathsAndNeverLeavesTheRoot) {
   _FUNC_LIST const& t = *hand_->funcTable;
-  PathRun const odd = qbposix::posix_decode_name(std::string("\xff\xfe-dir"));
-  struct Case {
+  std::wstring const odd = qbposix::posix_decode_name(std::string("\xff\xfe-dir"));
+  struct {
     char const* what;
-    PathRun path;
+    std::wstring path;
     short size;  // 0: the run's own size
     FS_STATUS status;
   } const cases[] = {
-      {"no terminator", L"abc", 0, FS_ERR_BAD_PARAMETER},
-      {"odd size", run({L"a"}), 5, FS_ERR_BAD_PARAMETER},
-      {"parent component", run({L".."}), 0, FS_ERR_BAD_PARAMETER},
-      {"slash inside a name", run({L"a/b"}), 0, FS_ERR_BAD_PARAMETER},
-      {"empty component", run({odd, L""}), 0, FS_ERR_BAD_PARAMETER},
-      {"lone surrogate", run({L"\xD800"}), 0, FS_ERR_BAD_PARAMETER},
-      {"symbolic link", run({L"to-etc"}), 0, FS_STATUS_EXT_ERROR},
-      {"missing", run({L"nope"}), 0, FS_STATUS_EXT_ERROR},
-      {"root", run({}), 0, FS_SUCCESS},
-      {"name that is not UTF-8", run({odd}), 0, FS_SUCCESS},
+      {"no terminator", L"abc", 0, FS_ERR_BAD_PARAMETER}, {"odd size", run({L"a"}), 5, FS_ERR_BAD_PARAMETER},
+      {"parent", run({L".."}), 0, FS_ERR_BAD_PARAMETER}, {"slash in a name", run({L"a/b"}), 0, FS_ERR_BAD_PARAMETER},
+      {"empty component", run({odd, L""}), 0, FS_ERR_BAD_PARAMETER}, {"lone surrogate", run({L"\xD800"}), 0, FS_ERR_BAD_PARAMETER},
+      {"symbolic link", run({L"to-etc"}), 0, FS_STATUS_EXT_ERROR}, {"missing", run({L"nope"}), 0, FS_STATUS_EXT_ERROR},
+      {"root", run({}), 0, FS_SUCCESS}, {"name that is not UTF-8", run({odd}), 0, FS_SUCCESS},
   };
-  for (Case const& c : cases) {
-    PathRun path = c.path;
+  for (auto const& c : cases) {
+    std::wstring path = c.path;
     EXPECT_EQ(t.ChangeDir(hand_, &path[0], c.size ? c.size : bytes(path)), c.status) << c.what;
   }
   EXPECT_EQ(t.ChangeDir(hand_, nullptr, 4), FS_ERR_BAD_PARAMETER);
+  EXPECT_TRUE(messages_.has_prefix(L"posix: /to-etc: directory could not be entered ("));
   wchar_t current[64];
   short size = 4;
   EXPECT_EQ(t.GetCurrentPath(hand_, current, &size), FS_ERR_OBJ_NO_DATA);
   EXPECT_EQ(size, bytes(run({odd})));
   EXPECT_EQ(t.GetCurrentPath(hand_, current, &size), FS_SUCCESS);
-  EXPECT_EQ(PathRun(current, static_cast<std::size_t>(size) / sizeof(wchar_t)), run({odd}));
-  EXPECT_TRUE(messages_.has_prefix(L"posix: /to-etc: directory could not be entered ("));
+  EXPECT_EQ(std::wstring(current, static_cast<std::size_t>(size) / sizeof(wchar_t)), run({odd}));
   EXPECT_EQ(t.ChangeDirUp(hand_), FS_SUCCESS);
   EXPECT_EQ(t.ChangeDirUp(hand_), FS_ERR_NOT_SUPPORTED);
 }
@@ -102,16 +80,26 @@ TEST_F(PosixBadInput, RestoreRefusesBlocksAndStreamsItCannotTrust) {
   info.version = qbposix::POSIX_OS_INFO_VERSION;
   info.mode = S_IFREG | 0644;
   DBLK blk{};
-  describe(blk, L"victim", nullptr, 0);
+  auto describe = [&](void* os_info, std::uint16_t os_info_size) {
+    _CREATE_DBLK req;
+    FS_SetDefaultDBLK(hand_, DBLK_KIND_FDB, 0, &req);
+    req.dblk = req.gen.dblk = &blk;
+    req.gen.name = L"victim";
+    req.gen.name_size = sizeof L"victim";
+    req.gen.os_info = os_info;
+    req.gen.os_info_size = os_info_size;
+    ASSERT_EQ(FS_CreateGenDBLK(hand_, DBLK_KIND_FDB, &req), 0);
+  };
+  describe(nullptr, 0);
   EXPECT_EQ(t.CreateObj(hand_, &blk, nullptr, RESTORE_OVERWRITE), FS_STATUS_EXT_ERROR);
   EXPECT_EQ(qbtest::last_message(hand_), L"/victim: block carries no stat record to restore from (Invalid argument)");
   EXPECT_EQ(t.CreateObj(hand_, &blk, L"../escape", RESTORE_OVERWRITE), FS_ERR_BAD_PARAMETER);
   EXPECT_EQ(t.CreateObj(hand_, nullptr, nullptr, RESTORE_OVERWRITE), FS_ERR_BAD_PARAMETER);
   t.ReleaseBlk(hand_, &blk);
 
-  describe(blk, L"victim", &info, sizeof info);
+  describe(&info, sizeof info);
   ASSERT_EQ(t.CreateObj(hand_, &blk, nullptr, RESTORE_OVERWRITE), FS_SUCCESS);
-  struct Stream {
+  struct {
     std::uint32_t id;
     std::string bytes;
     wchar_t const* report;
@@ -121,7 +109,7 @@ TEST_F(PosixBadInput, RestoreRefusesBlocksAndStreamsItCannotTrust) {
       {qbposix::POSIX_STRM_HARDLINK, "../../etc/passwd", L"hard link target is malformed"},
       {qbposix::POSIX_STRM_HARDLINK, "to-etc/passwd", L"hard link target's directory could not be opened"},
   };
-  for (Stream const& s : streams) {
+  for (auto const& s : streams) {
     _FILE_HAND_STRUCT* obj = nullptr;
     ASSERT_EQ(FS_OpenObj(hand_, &obj, &blk, FS_WRITE), FS_SUCCESS);
     STREAM_INFO header{};
@@ -129,15 +117,13 @@ TEST_F(PosixBadInput, RestoreRefusesBlocksAndStreamsItCannotTrust) {
     header.size = s.bytes.size();
     unsigned size = static_cast<unsigned>(s.bytes.size()), need = 0;
     std::string data = s.bytes;
-    EXPECT_EQ(FS_WriteObj(obj, reinterpret_cast<unsigned char*>(&data[0]), &size, &need, &header), FS_STATUS_EXT_ERROR)
-        << s.bytes;
+    EXPECT_EQ(FS_WriteObj(obj, reinterpret_cast<unsigned char*>(&data[0]), &size, &need, &header), FS_STATUS_EXT_ERROR);
     EXPECT_EQ(qbtest::last_message(hand_).find(std::wstring(L"/victim: ") + s.report), 0u) << qbtest::last_message(hand_);
     EXPECT_EQ(FS_CloseObj(obj, nullptr, nullptr), FS_STATUS_EXT_ERROR);
   }
   struct stat st {};
   ASSERT_EQ(lstat((root_ + "/victim").c_str(), &st), 0);
-  EXPECT_TRUE(S_ISREG(st.st_mode));  // never became a link to anything outside
-  EXPECT_EQ(st.st_nlink, 1u);
+  EXPECT_TRUE(S_ISREG(st.st_mode) && st.st_nlink == 1u);  // never a link to anything outside
   t.ReleaseBlk(hand_, &blk);
 }
 
