@@ -11,6 +11,7 @@
 // Letting go finishes what a restore left for the end: the directories it
 // made get their permissions and times, deepest first.
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -64,6 +65,8 @@ FS_STATUS posix_attach_to_dle(FSYS_HAND_STRUCT* fsh, GENERIC_DLE* dle, wchar_t*,
     return FS_ERR_NO_MEMORY;
   }
   state->root = data->path;
+  struct stat st {};
+  if (root >= 0 && fstat(root, &st) == 0) state->root_dev = st.st_dev;
   state->privileged = geteuid() == 0;
   if (root >= 0) state->levels.push_back({std::string(), root, nullptr, {}, {}});
   fsh->fsysData = state;

@@ -49,9 +49,11 @@
 //   components (the layer's path form; the root is one empty component, 4
 //   bytes); ChangeIntoDDB enters a directory block found in the current
 //   directory; ChangeDirUp leaves the current directory (FS_ERR_NOT_SUPPORTED
-//   at the root). GetCurrentPath gives the current path in the same form
-//   (`*size` bytes in, used out; FS_ERR_OBJ_NO_DATA with the size needed
-//   when it does not fit); GetCurrentDDB describes the current directory.
+//   at the root). A directory on which another file system is mounted is
+//   not entered: FS_STATUS_NONE, printed with its path. GetCurrentPath
+//   gives the current path in the same form (`*size` bytes in, used out;
+//   FS_ERR_OBJ_NO_DATA with the size needed when it does not fit);
+//   GetCurrentDDB describes the current directory.
 // - blocks: CreateDBLK builds generic blocks (GEN_CreateDBLK), and the
 //   name, date, attribute, object-type and OS-info slots are the generic
 //   ones; ReleaseBlk gives back a block's name. Object types: regular file
@@ -70,7 +72,9 @@
 //   its streams; CloseObj sets its metadata (extended attributes, owner and
 //   group when privileged, mode with setuid, setgid and sticky bits,
 //   nanosecond access and modification times). Directories get theirs at
-//   detach, after their children. Device nodes need privilege.
+//   detach, after their children (from the block given to CreateObj, with
+//   the extended attributes written when opened). Device nodes need
+//   privilege.
 #pragma once
 #include <cstdint>
 #include <string>

@@ -49,6 +49,7 @@ struct PosixDeferredDir {
 
 struct PosixHandleState {
   std::string root;                 // the attached element's directory
+  std::uint64_t root_dev = 0;       // the file system it lies on
   std::vector<PosixLevel> levels;   // root first; empty for the machine element
   bool privileged = false;          // running as root: owners and device nodes are restored
 

@@ -4,8 +4,12 @@
 // A change of directory keeps the levels the old and new paths share and
 // opens only the new ones, each relative to the one above; the new levels
 // are opened before anything is closed, so a path that cannot be entered
-// leaves the handle where it was.
+// leaves the handle where it was. A directory on which another file system
+// is mounted is not entered (FS_STATUS_NONE, printed): that file system is
+// an element of its own, walked through its own handle, and a walk of "/"
+// must not wander into /proc.
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -50,6 +54,20 @@ bool split_run(wchar_t const* path, short size, std::vector<std::string>& out) {
   return true;
 }
 
+// The display path of `name` below the levels kept and those opened so far.
+std::wstring shown_below(PosixHandleState const& state, std::vector<PosixLevel> const& fresh,
+                         std::string const& name) {
+  std::wstring shown = posix_display_path(state, "");
+  if (shown == L"/") shown.clear();
+  for (PosixLevel const& level : fresh) shown += L"/" + posix_decode_name(level.name);
+  return shown + L"/" + posix_decode_name(name);
+}
+
+void close_all(std::vector<PosixLevel>& fresh) {
+  for (PosixLevel const& level : fresh) close(level.fd);
+  fresh.clear();
+}
+
 // Enters `names` below the current level `keep` (levels beyond it are
 // dropped once the new ones are open).
 FS_STATUS enter(FSYS_HAND_STRUCT* fsh, PosixHandleState& state, std::size_t keep,
@@ -58,16 +76,19 @@ FS_STATUS enter(FSYS_HAND_STRUCT* fsh, PosixHandleState& state, std::size_t keep
   int base = state.levels[keep].fd;
   for (std::string const& name : names) {
     int const fd = openat(base, name.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
+    struct stat st {};
     if (fd < 0) {
       int const error = errno;
-      std::wstring shown = posix_display_path(state, "");
-      for (PosixLevel const& level : fresh) {
-        shown += L"/" + posix_decode_name(level.name);
-        close(level.fd);
-      }
-      if (shown == L"/") shown.clear();
-      return posix_report(fsh, error, shown + L"/" + posix_decode_name(name),
-                          L"directory could not be entered");
+      std::wstring const shown = shown_below(state, fresh, name);
+      close_all(fresh);
+      return posix_report(fsh, error, shown, L"directory could not be entered");
+    }
+    if (fstat(fd, &st) == 0 && st.st_dev != state.root_dev) {
+      posix_note(0, shown_below(state, fresh, name),
+                 L"another file system is mounted here; it is an element of its own and is not walked");
+      close(fd);
+      close_all(fresh);
+      return FS_STATUS_NONE;
     }
     fresh.push_back({name, fd, nullptr, {}, {}});
     base = fd;

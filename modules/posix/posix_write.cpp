@@ -186,8 +186,16 @@ FS_STATUS posix_create_obj(FSYS_HAND_STRUCT* fsh, DBLK* blk, wchar_t const* name
       fstatat(dirfd, bytes.c_str(), &st, AT_SYMLINK_NOFOLLOW) == 0)
     return FS_STATUS_NONE;
   int error = clear_way(dirfd, bytes, static_cast<mode_t>(info.mode));
-  if (error == EEXIST) return FS_SUCCESS;
-  if (error != 0) return posix_report(fsh, error, shown, L"object in the way could not be removed");
+  if (error != 0 && error != EEXIST)
+    return posix_report(fsh, error, shown, L"object in the way could not be removed");
+  if (S_ISDIR(info.mode)) {
+    // Its metadata waits for detach, whether or not it is opened for its
+    // attributes; an existing directory is reused.
+    std::vector<std::string> path = posix_current_components(*state);
+    path.push_back(bytes);
+    state->deferred.push_back({std::move(path), info, {}});
+    if (error == EEXIST) return FS_SUCCESS;
+  }
   error = make_object(dirfd, bytes, info, state->privileged);
   if (error == EPERM && !state->privileged && (S_ISCHR(info.mode) || S_ISBLK(info.mode)))
     return posix_report(fsh, error, shown, L"device node needs privilege to be restored");
@@ -254,6 +262,13 @@ FS_STATUS posix_finish_write(PosixObject& obj) {
   if (S_ISDIR(obj.info.mode)) {
     std::vector<std::string> path = obj.place;
     path.push_back(obj.name);
+    // Its record was made by CreateObj, usually the latest one.
+    for (auto it = state->deferred.rbegin(); it != state->deferred.rend(); ++it)
+      if (it->path == path) {
+        it->info = obj.info;
+        it->xattrs = obj.xattrs;
+        return obj.failure;
+      }
     state->deferred.push_back({std::move(path), obj.info, obj.xattrs});
     return obj.failure;
   }

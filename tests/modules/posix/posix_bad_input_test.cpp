@@ -128,3 +128,19 @@ TEST_F(PosixBadInput, RestoreRefusesBlocksAndStreamsItCannotTrust) {
 }
 
 }  // namespace
+
+namespace {
+
+// /proc is always a file system of its own below "/".
+TEST(PosixMountPoints, AWalkStaysOnTheAttachedFileSystem) {
+  qbtest::MessageCapture messages;
+  qbtest::PosixSession session(QB_TEST_MODULE_DIR, {"/"});
+  FSYS_HAND_STRUCT* hand = session.attach("/");
+  ASSERT_NE(hand, nullptr);
+  std::wstring path = run({L"proc"});
+  EXPECT_EQ(hand->funcTable->ChangeDir(hand, &path[0], bytes(path)), FS_STATUS_NONE);
+  EXPECT_TRUE(messages.has(L"posix: /proc: another file system is mounted here; it is an element of its own and is not walked"));
+  FS_DetachDLE(hand);
+}
+
+}  // namespace
