@@ -110,7 +110,7 @@ void check_after_data(PosixObject& obj) {
                    std::to_wstring(obj.info.size) + L" bytes were kept");
   } else if (st.st_mtim.tv_sec != obj.info.mtime_sec ||
              static_cast<std::uint32_t>(st.st_mtim.tv_nsec) != obj.info.mtime_nsec) {
-    posix_note(0, posix_object_path(obj), L"changed while being read; the copy may mix old and new data");
+    posix_note(0, posix_object_path(obj), L"changed after it was listed; the copy may mix old and new data");
   }
 }
 
@@ -232,7 +232,7 @@ FS_STATUS posix_read_obj(_FILE_HAND_STRUCT* hand, unsigned char* buffer, unsigne
       (buffer == nullptr && *size > 0))
     return FS_ERR_BAD_PARAMETER;
   PosixObject& obj = *posix_object(hand);
-  if (obj.mode != FS_READ) return FS_ERR_BAD_PARAMETER;
+  if (!obj.busy || obj.mode != FS_READ) return FS_ERR_BAD_PARAMETER;
   *need = POSIX_IO_UNIT;
   std::uint32_t const room = *size;
   *size = 0;

@@ -165,6 +165,15 @@ FS_STATUS write_data(PosixObject& obj, unsigned char const* data, std::uint64_t 
   return FS_SUCCESS;
 }
 
+// A stream this module acts on must have arrived whole before the next
+// header or the close; a short one (damaged media) is reported, and what
+// arrived of a short data stream stays written.
+void check_stream_ended(PosixObject& obj) {
+  bool const known = is_short_stream(obj.in_id) || obj.in_id == POSIX_STRM_DATA;
+  if (known && obj.in_received < obj.in_size) fail(obj, EINVAL, L"stream ended before its announced size");
+  obj.in_id = STRM_INVALID;
+}
+
 }  // namespace
 
 FS_STATUS posix_create_obj(FSYS_HAND_STRUCT* fsh, DBLK* blk, wchar_t const* name,
@@ -206,7 +215,7 @@ FS_STATUS posix_create_obj(FSYS_HAND_STRUCT* fsh, DBLK* blk, wchar_t const* name
 FS_STATUS posix_open_write(FSYS_HAND_STRUCT* fsh, PosixObject& obj, DBLK* blk) {
   PosixHandleState& state = *posix_state(fsh);
   if (!posix_blk_name(blk, obj.name)) return FS_ERR_BAD_PARAMETER;
-    if (!posix_blk_info(blk, obj.info))
+  if (!posix_blk_info(blk, obj.info))
     return posix_report(fsh, EINVAL, posix_object_path(obj), L"block carries no stat record to restore from");
   if (S_ISDIR(obj.info.mode)) obj.place = posix_current_components(state);
   obj.dirfd = fcntl(posix_current_fd(state), F_DUPFD_CLOEXEC, 0);
@@ -223,11 +232,10 @@ FS_STATUS posix_write_obj(_FILE_HAND_STRUCT* hand, unsigned char* buffer, unsign
   if (hand == nullptr || size == nullptr || need == nullptr || (buffer == nullptr && *size > 0))
     return FS_ERR_BAD_PARAMETER;
   PosixObject& obj = *posix_object(hand);
-  if (obj.mode != FS_WRITE) return FS_ERR_BAD_PARAMETER;
+  if (!obj.busy || obj.mode != FS_WRITE) return FS_ERR_BAD_PARAMETER;
   *need = kNoMinimum;
   if (stream != nullptr && stream->id != STRM_INVALID) {
-    if (is_short_stream(obj.in_id) && obj.in_received < obj.in_size)
-      fail(obj, EINVAL, L"stream ended before its announced size");
+    check_stream_ended(obj);
     obj.in_id = stream->id;
     obj.in_size = stream->size;
     obj.in_received = 0;
@@ -258,6 +266,7 @@ FS_STATUS posix_write_obj(_FILE_HAND_STRUCT* hand, unsigned char* buffer, unsign
 FS_STATUS posix_finish_write(PosixObject& obj) {
   PosixHandleState* state = posix_state(obj.fsysHand);
   if (state == nullptr) return FS_ERR_BAD_PARAMETER;
+  check_stream_ended(obj);
   if (obj.linked) return obj.failure;  // the file's metadata came with its first name
   if (S_ISDIR(obj.info.mode)) {
     std::vector<std::string> path = obj.place;
