@@ -49,7 +49,9 @@ FS_STATUS posix_attach_to_dle(FSYS_HAND_STRUCT* fsh, GENERIC_DLE* dle, wchar_t*,
   if (data == nullptr) return FS_ERR_NOT_SUPPORTED;
   int root = -1;
   if (!data->path.empty()) {
-    root = open(data->path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    // The root as configured may itself be reached through a link.
+    root = open(data->path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC | O_NOATIME);
+    if (root < 0 && errno == EPERM) root = open(data->path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     if (root < 0) {
       int error = errno;
       wcstring message;

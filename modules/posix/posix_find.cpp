@@ -70,16 +70,15 @@ FS_STATUS posix_find_first_obj(FSYS_HAND_STRUCT* fsh, DBLK* blk, wchar_t* spec, 
   if (state == nullptr || blk == nullptr) return FS_ERR_BAD_PARAMETER;
   posix_find_obj_close(fsh, blk);
   PosixLevel& level = state->levels.back();
-  // A descriptor of its own, so the listing's position is not shared with
-  // the level's descriptor; O_NOATIME keeps the walk from touching the
-  // directory's access time where the kernel allows it.
-  int fd = openat(level.fd, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC | O_NOATIME);
-  if (fd < 0 && errno == EPERM) fd = openat(level.fd, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  // A duplicate of the level's descriptor: it shares the position, which
+  // only the listing uses, so the listing starts from the top.
+  int const fd = fcntl(level.fd, F_DUPFD_CLOEXEC, 0);
   if (fd < 0 || (level.listing = fdopendir(fd)) == nullptr) {
     int const error = errno;
     if (fd >= 0) close(fd);
     return posix_report(fsh, error, posix_display_path(*state, ""), L"directory could not be listed");
   }
+  rewinddir(level.listing);
   level.spec = spec == nullptr ? std::wstring() : std::wstring(spec);
   return posix_find_next_obj(fsh, blk);
 }

@@ -46,6 +46,12 @@ std::wstring posix_display_path(PosixHandleState const& state, std::string const
   return out.empty() ? L"/" : out;
 }
 
+int posix_open_level(int base, char const* name) {
+  constexpr int kFlags = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
+  int const fd = openat(base, name, kFlags | O_NOATIME);
+  return fd >= 0 || errno != EPERM ? fd : openat(base, name, kFlags);
+}
+
 int posix_open_components(int base, std::vector<std::string> const& components) {
   int fd = fcntl(base, F_DUPFD_CLOEXEC, 0);
   for (std::string const& c : components) {

@@ -87,6 +87,11 @@ std::vector<std::string> posix_current_components(PosixHandleState const& state)
 // (bytes that are not UTF-8 appear as their escape characters).
 std::wstring posix_display_path(PosixHandleState const& state, std::string const& name);
 
+// Opens the directory `name` in `base` as a level: never following a
+// symbolic link, and with O_NOATIME where the kernel allows it, so listing
+// it leaves its access time alone. Returns the descriptor, or -1 with errno.
+int posix_open_level(int base, char const* name);
+
 // Opens the directory `components` below `base` one name at a time, never
 // following a symbolic link. Returns the descriptor, or -1 with errno set.
 int posix_open_components(int base, std::vector<std::string> const& components);

@@ -75,7 +75,7 @@ FS_STATUS enter(FSYS_HAND_STRUCT* fsh, PosixHandleState& state, std::size_t keep
   std::vector<PosixLevel> fresh;
   int base = state.levels[keep].fd;
   for (std::string const& name : names) {
-    int const fd = openat(base, name.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
+    int const fd = posix_open_level(base, name.c_str());
     struct stat st {};
     if (fd < 0) {
       int const error = errno;
