@@ -70,7 +70,7 @@ FS_STATUS posix_attach_to_dle(FSYS_HAND_STRUCT* fsh, GENERIC_DLE* dle, wchar_t*,
   struct stat st {};
   if (root >= 0 && fstat(root, &st) == 0) state->root_dev = st.st_dev;
   state->privileged = geteuid() == 0;
-  if (root >= 0) state->levels.push_back({std::string(), root, nullptr, {}, {}});
+  if (root >= 0) state->levels.push_back({std::string(), root, false, true, {}, 0, 0, {}, {}});
   fsh->fsysData = state;
   return FS_SUCCESS;
 }

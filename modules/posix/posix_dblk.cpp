@@ -17,6 +17,7 @@ constexpr int kTmYearBase = 1900;
 constexpr int kFirstDateYear = 1601;  // the earliest year a _DATE_TIME holds
 constexpr long kNanosPerTick = 100;
 constexpr std::uint32_t kModeBits = 0xFFFF;
+constexpr std::uint64_t kBlockBytes = 512;  // unit of st_blocks
 
 _DATE_TIME utc_date(std::int64_t seconds, std::uint32_t nanos) {
   _DATE_TIME date{};
@@ -74,7 +75,10 @@ FS_STATUS posix_fill_dblk(FSYS_HAND_STRUCT* fsh, PosixHandleState& state, DBLK* 
   gen.os_ver = POSIX_OS_INFO_VERSION;
   gen.display_size = dir ? 0 : storage.size;
   gen.media_attrib = storage.mode & kModeBits;
-  gen.attrib2 = (S_ISREG(st.st_mode) && st.st_nlink > 1 ? POSIX_ATTR2_LINKED : 0u);
+  bool const file = S_ISREG(st.st_mode);
+  gen.attrib2 = (file && st.st_nlink > 1 ? POSIX_ATTR2_LINKED : 0u) |
+                (file && storage.blocks * kBlockBytes < storage.size ? POSIX_ATTR2_SPARSE : 0u) |
+                (dir && static_cast<std::uint64_t>(st.st_dev) != state.root_dev ? POSIX_ATTR2_MOUNT_POINT : 0u);
   gen.name_char_type = DBLK_NAME_WIDE;
   gen.os_info = &storage;
   gen.os_info_size = sizeof storage;

@@ -6,6 +6,7 @@
 // An entry that vanishes or cannot be examined between listing and
 // examining is printed with its path and reason and passed over: there is
 // no object left to describe, and the walk goes on.
+#include <dirent.h>
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -23,6 +24,7 @@
 namespace qbposix {
 namespace {
 
+constexpr std::size_t kEntriesBuffer = 32 * 1024;  // directory entries read at once
 constexpr int kCaseSensitive = 1;  // names on Linux differ by case
 constexpr int kWholeName = 0;      // no partial matches
 constexpr int kClassicRules = 0;   // FS_CompareFileSpec flags: none
@@ -41,19 +43,24 @@ FS_STATUS posix_find_next_obj(FSYS_HAND_STRUCT* fsh, DBLK* blk) {
   PosixHandleState* state = posix_state(fsh);
   if (state == nullptr || blk == nullptr) return FS_ERR_BAD_PARAMETER;
   PosixLevel& level = state->levels.back();
-  if (level.listing == nullptr) return FS_STATUS_NONE;
-  std::wstring const& spec = level.spec;
+  if (!level.listing) return FS_STATUS_NONE;
   for (;;) {
-    errno = 0;
-    struct dirent const* entry = readdir(level.listing);
-    if (entry == nullptr) {
-      if (errno != 0)
-        return posix_report(fsh, errno, posix_display_path(*state, ""), L"directory could not be listed");
-      return FS_STATUS_NONE;
+    if (level.entry_at >= level.entries_end) {
+      ssize_t const got = getdents64(level.fd, level.entries.data(), level.entries.size());
+      if (got <= 0) {
+        level.listing = false;
+        if (got < 0)
+          return posix_report(fsh, errno, posix_display_path(*state, ""), L"directory could not be listed");
+        return FS_STATUS_NONE;
+      }
+      level.entry_at = 0;
+      level.entries_end = static_cast<std::size_t>(got);
     }
+    auto const* entry = reinterpret_cast<struct dirent64 const*>(level.entries.data() + level.entry_at);
+    level.entry_at += entry->d_reclen;
     std::string const name = entry->d_name;
     if (name == "." || name == "..") continue;
-    if (!matches(spec, posix_decode_name(name))) continue;
+    if (!matches(level.spec, posix_decode_name(name))) continue;
     struct stat st {};
     if (fstatat(level.fd, name.c_str(), &st, AT_SYMLINK_NOFOLLOW) != 0) {
       posix_note(errno, posix_display_path(*state, name),
@@ -68,17 +75,14 @@ FS_STATUS posix_find_next_obj(FSYS_HAND_STRUCT* fsh, DBLK* blk) {
 FS_STATUS posix_find_first_obj(FSYS_HAND_STRUCT* fsh, DBLK* blk, wchar_t* spec, unsigned short) {
   PosixHandleState* state = posix_state(fsh);
   if (state == nullptr || blk == nullptr) return FS_ERR_BAD_PARAMETER;
-  posix_find_obj_close(fsh, blk);
   PosixLevel& level = state->levels.back();
-  // A duplicate of the level's descriptor: it shares the position, which
-  // only the listing uses, so the listing starts from the top.
-  int const fd = fcntl(level.fd, F_DUPFD_CLOEXEC, 0);
-  if (fd < 0 || (level.listing = fdopendir(fd)) == nullptr) {
-    int const error = errno;
-    if (fd >= 0) close(fd);
-    return posix_report(fsh, error, posix_display_path(*state, ""), L"directory could not be listed");
-  }
-  rewinddir(level.listing);
+  // The listing reads the level's own descriptor from its start.
+  if (!level.read_from_start && lseek(level.fd, 0, SEEK_SET) != 0)
+    return posix_report(fsh, errno, posix_display_path(*state, ""), L"directory could not be listed");
+  level.read_from_start = false;
+  level.entries.resize(kEntriesBuffer);
+  level.entry_at = level.entries_end = 0;
+  level.listing = true;
   level.spec = spec == nullptr ? std::wstring() : std::wstring(spec);
   return posix_find_next_obj(fsh, blk);
 }
@@ -87,10 +91,8 @@ FS_STATUS posix_find_obj_close(FSYS_HAND_STRUCT* fsh, DBLK*) {
   PosixHandleState* state = posix_state(fsh);
   if (state == nullptr) return FS_ERR_BAD_PARAMETER;
   PosixLevel& level = state->levels.back();
-  if (level.listing != nullptr) {
-    closedir(level.listing);
-    level.listing = nullptr;
-  }
+  level.listing = false;
+  level.entry_at = level.entries_end = 0;
   return FS_SUCCESS;
 }
 

@@ -25,7 +25,6 @@ PosixHandleState* posix_state(FSYS_HAND_STRUCT* fsh) {
 
 void posix_close_levels(PosixHandleState& state) {
   for (PosixLevel& level : state.levels) {
-    if (level.listing != nullptr) closedir(level.listing);
     if (level.fd >= 0) close(level.fd);
   }
   state.levels.clear();

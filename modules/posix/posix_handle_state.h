@@ -7,11 +7,10 @@
 // Every directory is held open by descriptor and every object is reached
 // relative to its directory's descriptor (openat, fstatat, mkdirat, ...), so
 // no path handed to the kernel is longer than one name and paths longer than
-// PATH_MAX work. One descriptor is held per level below the root, plus one
-// for the listing of each level being listed.
+// PATH_MAX work. One descriptor is held per level; a level's listing reads
+// that same descriptor (getdents64; openat does not care where a
+// directory's read position stands).
 #pragma once
-#include <dirent.h>
-
 #include <cstdint>
 #include <map>
 #include <set>
@@ -33,7 +32,10 @@ constexpr std::size_t POSIX_FIRST_BELOW_ROOT = 1;
 struct PosixLevel {
   std::string name;      // its name in the directory above (empty for the root)
   int fd = -1;           // O_DIRECTORY descriptor, owned
-  DIR* listing = nullptr;  // the find in progress here, owned; null when none
+  bool listing = false;    // a find is in progress here
+  bool read_from_start = true;  // the descriptor's read position is still at the start
+  std::vector<char> entries;  // directory entries read and not yet looked at
+  std::size_t entry_at = 0, entries_end = 0;
   std::wstring spec;       // what the listing looks for; empty: everything
   POSIX_OS_INFO found{};   // OS info of the object the listing found last
 };
@@ -72,7 +74,7 @@ struct PosixHandleState {
 // file-system element of this module.
 PosixHandleState* posix_state(FSYS_HAND_STRUCT* fsh);
 
-// Closes every level's descriptors and listing.
+// Closes every level's descriptor.
 void posix_close_levels(PosixHandleState& state);
 
 // The descriptor of the current directory (-1 when there is none).

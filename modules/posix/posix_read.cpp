@@ -12,6 +12,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <new>
@@ -249,15 +250,24 @@ FS_STATUS posix_read_obj(_FILE_HAND_STRUCT* hand, unsigned char* buffer, unsigne
     stream->id = s.id;
     stream->size = s.size;
     obj.header_sent = true;
-    return FS_SUCCESS;
   }
-  if (s.from_file) return read_data(obj, buffer, room, size);
-  std::uint64_t n = s.size - obj.offset;
-  if (n > room) n = room;
-  std::memcpy(buffer, s.bytes.data() + obj.offset, n);
-  obj.offset += n;
-  *size = static_cast<unsigned int>(n);
-  return FS_SUCCESS;
+  // The header's first data, and the object's end with its last data, go
+  // out in the same call: a small file costs the caller one call.
+  FS_STATUS status = FS_SUCCESS;
+  if (s.from_file && obj.offset < s.size && room > 0) {
+    status = read_data(obj, buffer, room, size);
+  } else {
+    std::uint64_t const n = std::min<std::uint64_t>(s.size - obj.offset, room);
+    if (n > 0) std::memcpy(buffer, s.bytes.data() + obj.offset, n);
+    obj.offset += n;
+    *size = static_cast<unsigned int>(n);
+  }
+  bool const last = obj.current + 1 == obj.streams.size() && obj.offset == s.size;
+  if (status == FS_SUCCESS && last && *size > 0) {
+    obj.current = obj.streams.size();
+    return FS_ERR_OBJ_NO_DATA;
+  }
+  return status;
 }
 
 FS_STATUS posix_close_obj(_FILE_HAND_STRUCT* hand, void**, void**) {

@@ -60,8 +60,9 @@ constexpr std::uint8_t POSIX_OS_ID = 20;
 constexpr std::uint8_t POSIX_OS_INFO_VERSION = 1;
 
 // Attribute word 2 flags.
-constexpr std::uint32_t POSIX_ATTR2_SPARSE = 0x1;    // the file has holes
+constexpr std::uint32_t POSIX_ATTR2_SPARSE = 0x1;    // fewer blocks than its size needs: it may have holes
 constexpr std::uint32_t POSIX_ATTR2_LINKED = 0x2;    // more than one name (st_nlink > 1)
+constexpr std::uint32_t POSIX_ATTR2_MOUNT_POINT = 0x4;  // a directory on which another file system is mounted
 
 // The stat record of an object, as carried in its block (in the order of
 // the supported x86-64 hosts, little-endian, with no padding).

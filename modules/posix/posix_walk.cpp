@@ -28,7 +28,6 @@ constexpr std::size_t kRootRunLength = 1;  // characters of the root's run
 
 void pop_level(PosixHandleState& state) {
   PosixLevel& level = state.levels.back();
-  if (level.listing != nullptr) closedir(level.listing);
   if (level.fd >= 0) close(level.fd);
   state.levels.pop_back();
 }
@@ -68,10 +67,14 @@ void close_all(std::vector<PosixLevel>& fresh) {
   fresh.clear();
 }
 
+constexpr wchar_t const* kMountPointNote =
+    L"another file system is mounted here; it is an element of its own and is not walked";
+
 // Enters `names` below the current level `keep` (levels beyond it are
-// dropped once the new ones are open).
+// dropped once the new ones are open). Each new level is checked for a
+// file system of its own, unless `listed` says its listing checked it.
 FS_STATUS enter(FSYS_HAND_STRUCT* fsh, PosixHandleState& state, std::size_t keep,
-                std::vector<std::string> const& names) {
+                std::vector<std::string> const& names, bool listed = false) {
   std::vector<PosixLevel> fresh;
   int base = state.levels[keep].fd;
   for (std::string const& name : names) {
@@ -83,14 +86,13 @@ FS_STATUS enter(FSYS_HAND_STRUCT* fsh, PosixHandleState& state, std::size_t keep
       close_all(fresh);
       return posix_report(fsh, error, shown, L"directory could not be entered");
     }
-    if (fstat(fd, &st) == 0 && st.st_dev != state.root_dev) {
-      posix_note(0, shown_below(state, fresh, name),
-                 L"another file system is mounted here; it is an element of its own and is not walked");
+    if (!listed && fstat(fd, &st) == 0 && st.st_dev != state.root_dev) {
+      posix_note(0, shown_below(state, fresh, name), kMountPointNote);
       close(fd);
       close_all(fresh);
       return FS_STATUS_NONE;
     }
-    fresh.push_back({name, fd, nullptr, {}, {}});
+    fresh.push_back({name, fd, false, true, {}, 0, 0, {}, {}});
     base = fd;
   }
   while (state.levels.size() > keep + 1) pop_level(state);
@@ -117,7 +119,14 @@ FS_STATUS posix_change_into_ddb(FSYS_HAND_STRUCT* fsh, DBLK* blk) {
   if (state == nullptr || blk == nullptr || blk->blk_type != DBLK_KIND_DDB ||
       !posix_blk_name(blk, name))
     return FS_ERR_BAD_PARAMETER;
-  return enter(fsh, *state, state->levels.size() - 1, {name});
+  // A block of the current directory's listing says whether the directory
+  // was a mount point when listed; any other block is checked on entering.
+  bool const listed = blk->os_info == &state->levels.back().found;
+  if (listed && (blk->area.gen.attrib2 & POSIX_ATTR2_MOUNT_POINT) != 0) {
+    posix_note(0, posix_display_path(*state, name), kMountPointNote);
+    return FS_STATUS_NONE;
+  }
+  return enter(fsh, *state, state->levels.size() - 1, {name}, listed);
 }
 
 FS_STATUS posix_change_dir_up(FSYS_HAND_STRUCT* fsh) {

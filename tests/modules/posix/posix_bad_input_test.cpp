@@ -139,7 +139,11 @@ TEST(PosixMountPoints, AWalkStaysOnTheAttachedFileSystem) {
   ASSERT_NE(hand, nullptr);
   std::wstring path = run({L"proc"});
   EXPECT_EQ(hand->funcTable->ChangeDir(hand, &path[0], bytes(path)), FS_STATUS_NONE);
-  EXPECT_TRUE(messages.has(L"posix: /proc: another file system is mounted here; it is an element of its own and is not walked"));
+  DBLK blk{};
+  ASSERT_EQ(hand->funcTable->FindFirstObj(hand, &blk, const_cast<wchar_t*>(L"proc"), 0), FS_SUCCESS);
+  EXPECT_EQ(hand->funcTable->ChangeIntoDDB(hand, &blk), FS_STATUS_NONE);
+  EXPECT_EQ(messages.count(L"posix: /proc: another file system is mounted here; it is an element of its own and is not walked"), 2u);
+  hand->funcTable->ReleaseBlk(hand, &blk);
   FS_DetachDLE(hand);
 }
 
