@@ -44,7 +44,8 @@ int plain_visit(char const* path, struct stat const* st, int, struct FTW*) {
   if (!S_ISREG(st->st_mode)) return 0;
   int fd = open(path, O_RDONLY | O_NOATIME);
   if (fd < 0) return 0;
-  for (ssize_t n; (n = read(fd, g_buffer.data(), kBuffer)) > 0;) g_plain.bytes += static_cast<std::uint64_t>(n);
+  for (ssize_t n; (n = read(fd, g_buffer.data(), kBuffer)) > 0;)
+    g_plain.bytes += static_cast<std::uint64_t>(n);
   close(fd);
   return 0;
 }
@@ -74,14 +75,16 @@ Figures layer_walk(qbtest::PosixSession& session, std::string const& tree) {
   f.seconds = now() - start;
   f.objects = totals.objects;
   f.bytes = totals.bytes;
-  if (!totals.failures.empty()) std::fprintf(stderr, "%zu objects failed to read\n", totals.failures.size());
+  if (!totals.failures.empty())
+    std::fprintf(stderr, "%zu objects failed to read\n", totals.failures.size());
   return f;
 }
 
 void print(char const* what, Figures const& f) {
   std::printf("%-6s %8llu objects %10.1f MB  %8.3f s  %10.0f objects/s  %8.1f MB/s\n", what,
-              static_cast<unsigned long long>(f.objects), static_cast<double>(f.bytes) / kMega, f.seconds,
-              static_cast<double>(f.objects) / f.seconds, static_cast<double>(f.bytes) / kMega / f.seconds);
+              static_cast<unsigned long long>(f.objects), static_cast<double>(f.bytes) / kMega,
+              f.seconds, static_cast<double>(f.objects) / f.seconds,
+              static_cast<double>(f.bytes) / kMega / f.seconds);
 }
 
 }  // namespace
@@ -109,7 +112,8 @@ int main(int argc, char** argv) {
   std::printf("tree %s, best of %d rounds\n", tree.c_str(), rounds);
   print("plain", best_plain);
   print("layer", best_layer);
-  std::printf("layer/plain: %.1f%% of the objects per second (best against best), %.1f%% (median round)\n",
-              100.0 * best_plain.seconds / best_layer.seconds, 100.0 * ratios[ratios.size() / 2]);
+  std::printf(
+      "layer/plain: %.1f%% of the objects per second (best against best), %.1f%% (median round)\n",
+      100.0 * best_plain.seconds / best_layer.seconds, 100.0 * ratios[ratios.size() / 2]);
   return 0;
 }

@@ -51,7 +51,8 @@ FS_STATUS posix_attach_to_dle(FSYS_HAND_STRUCT* fsh, GENERIC_DLE* dle, wchar_t*,
   if (!data->path.empty()) {
     // The root as configured may itself be reached through a link.
     root = open(data->path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC | O_NOATIME);
-    if (root < 0 && errno == EPERM) root = open(data->path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (root < 0 && errno == EPERM)
+      root = open(data->path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     if (root < 0) {
       int error = errno;
       wcstring message;

@@ -76,9 +76,11 @@ FS_STATUS posix_fill_dblk(FSYS_HAND_STRUCT* fsh, PosixHandleState& state, DBLK* 
   gen.display_size = dir ? 0 : storage.size;
   gen.media_attrib = storage.mode & kModeBits;
   bool const file = S_ISREG(st.st_mode);
-  gen.attrib2 = (file && st.st_nlink > 1 ? POSIX_ATTR2_LINKED : 0u) |
-                (file && storage.blocks * kBlockBytes < storage.size ? POSIX_ATTR2_SPARSE : 0u) |
-                (dir && static_cast<std::uint64_t>(st.st_dev) != state.root_dev ? POSIX_ATTR2_MOUNT_POINT : 0u);
+  gen.attrib2 =
+      (file && st.st_nlink > 1 ? POSIX_ATTR2_LINKED : 0u) |
+      (file && storage.blocks * kBlockBytes < storage.size ? POSIX_ATTR2_SPARSE : 0u) |
+      (dir && static_cast<std::uint64_t>(st.st_dev) != state.root_dev ? POSIX_ATTR2_MOUNT_POINT
+                                                                      : 0u);
   gen.name_char_type = DBLK_NAME_WIDE;
   gen.os_info = &storage;
   gen.os_info_size = sizeof storage;

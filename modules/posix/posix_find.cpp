@@ -25,16 +25,16 @@ namespace qbposix {
 namespace {
 
 constexpr std::size_t kEntriesBuffer = 32 * 1024;  // directory entries read at once
-constexpr int kCaseSensitive = 1;  // names on Linux differ by case
-constexpr int kWholeName = 0;      // no partial matches
-constexpr int kClassicRules = 0;   // FS_CompareFileSpec flags: none
+constexpr int kCaseSensitive = 1;                  // names on Linux differ by case
+constexpr int kWholeName = 0;                      // no partial matches
+constexpr int kClassicRules = 0;                   // FS_CompareFileSpec flags: none
 
 bool matches(std::wstring const& spec, std::wstring name) {
   if (spec.empty() || spec == L"*") return true;
   std::wstring pattern = spec;
   return FS_CompareFileSpec(&name[0], static_cast<short>(name.size()), &pattern[0],
-                            static_cast<short>(pattern.size()), kCaseSensitive, kWholeName, kClassicRules) ==
-         FS_SPEC_MATCH;
+                            static_cast<short>(pattern.size()), kCaseSensitive, kWholeName,
+                            kClassicRules) == FS_SPEC_MATCH;
 }
 
 }  // namespace
@@ -50,13 +50,15 @@ FS_STATUS posix_find_next_obj(FSYS_HAND_STRUCT* fsh, DBLK* blk) {
       if (got <= 0) {
         level.listing = false;
         if (got < 0)
-          return posix_report(fsh, errno, posix_display_path(*state, ""), L"directory could not be listed");
+          return posix_report(fsh, errno, posix_display_path(*state, ""),
+                              L"directory could not be listed");
         return FS_STATUS_NONE;
       }
       level.entry_at = 0;
       level.entries_end = static_cast<std::size_t>(got);
     }
-    auto const* entry = reinterpret_cast<struct dirent64 const*>(level.entries.data() + level.entry_at);
+    auto const* entry =
+        reinterpret_cast<struct dirent64 const*>(level.entries.data() + level.entry_at);
     level.entry_at += entry->d_reclen;
     std::string const name = entry->d_name;
     if (name == "." || name == "..") continue;
@@ -78,7 +80,8 @@ FS_STATUS posix_find_first_obj(FSYS_HAND_STRUCT* fsh, DBLK* blk, wchar_t* spec, 
   PosixLevel& level = state->levels.back();
   // The listing reads the level's own descriptor from its start.
   if (!level.read_from_start && lseek(level.fd, 0, SEEK_SET) != 0)
-    return posix_report(fsh, errno, posix_display_path(*state, ""), L"directory could not be listed");
+    return posix_report(fsh, errno, posix_display_path(*state, ""),
+                        L"directory could not be listed");
   level.read_from_start = false;
   level.entries.resize(kEntriesBuffer);
   level.entry_at = level.entries_end = 0;
@@ -102,7 +105,8 @@ FS_STATUS posix_get_current_ddb(FSYS_HAND_STRUCT* fsh, DBLK* blk) {
   PosixLevel const& level = state->levels.back();
   struct stat st {};
   if (fstat(level.fd, &st) != 0)
-    return posix_report(fsh, errno, posix_display_path(*state, ""), L"directory could not be examined");
+    return posix_report(fsh, errno, posix_display_path(*state, ""),
+                        L"directory could not be examined");
   return posix_fill_dblk(fsh, *state, blk, level.name, st, state->current_info);
 }
 

@@ -90,7 +90,8 @@ void posix_finish_deferred(PosixHandleState& state) {
       continue;
     }
     wchar_t const* step = nullptr;
-    int const error = posix_apply_metadata(fd, "", fd, it->info, it->xattrs, state.privileged, &step);
+    int const error =
+        posix_apply_metadata(fd, "", fd, it->info, it->xattrs, state.privileged, &step);
     if (error != 0) posix_note(error, shown, step);
     close(fd);
   }

@@ -30,14 +30,14 @@ namespace qbposix {
 // the path below the root starts at levels[POSIX_FIRST_BELOW_ROOT].
 constexpr std::size_t POSIX_FIRST_BELOW_ROOT = 1;
 struct PosixLevel {
-  std::string name;      // its name in the directory above (empty for the root)
-  int fd = -1;           // O_DIRECTORY descriptor, owned
-  bool listing = false;    // a find is in progress here
+  std::string name;             // its name in the directory above (empty for the root)
+  int fd = -1;                  // O_DIRECTORY descriptor, owned
+  bool listing = false;         // a find is in progress here
   bool read_from_start = true;  // the descriptor's read position is still at the start
-  std::vector<char> entries;  // directory entries read and not yet looked at
+  std::vector<char> entries;    // directory entries read and not yet looked at
   std::size_t entry_at = 0, entries_end = 0;
-  std::wstring spec;       // what the listing looks for; empty: everything
-  POSIX_OS_INFO found{};   // OS info of the object the listing found last
+  std::wstring spec;      // what the listing looks for; empty: everything
+  POSIX_OS_INFO found{};  // OS info of the object the listing found last
 };
 
 // A directory made by the restore whose permissions, times and extended
@@ -50,10 +50,10 @@ struct PosixDeferredDir {
 };
 
 struct PosixHandleState {
-  std::string root;                 // the attached element's directory
-  std::uint64_t root_dev = 0;       // the file system it lies on
-  std::vector<PosixLevel> levels;   // root first; empty for the machine element
-  bool privileged = false;          // running as root: owners and device nodes are restored
+  std::string root;                // the attached element's directory
+  std::uint64_t root_dev = 0;      // the file system it lies on
+  std::vector<PosixLevel> levels;  // root first; empty for the machine element
+  bool privileged = false;         // running as root: owners and device nodes are restored
 
   // The current directory's OS info (GetCurrentDDB). Blocks point at this
   // or at their level's `found` until the next call that fills them.

@@ -22,7 +22,9 @@ std::string proc_path(int dirfd, std::string const& name) {
   return "/proc/self/fd/" + std::to_string(dirfd) + "/" + name;
 }
 
-bool no_xattr_support(int error) { return error == ENOTSUP || error == ENOSYS; }
+bool no_xattr_support(int error) {
+  return error == ENOTSUP || error == ENOSYS;
+}
 
 // listxattr or getxattr into `out`, growing until the answer fits.
 template <typename Call>
@@ -86,9 +88,9 @@ int posix_apply_metadata(int dirfd, std::string const& name, int fd, POSIX_OS_IN
   bool const is_link = S_ISLNK(info.mode);
 
   for (PosixXattr const& x : xattrs) {
-    int const rc = fd >= 0 ? fsetxattr(fd, x.name.c_str(), x.value.data(), x.value.size(), 0)
-                           : lsetxattr(path.c_str(), x.name.c_str(), x.value.data(),
-                                       x.value.size(), 0);
+    int const rc = fd >= 0
+                       ? fsetxattr(fd, x.name.c_str(), x.value.data(), x.value.size(), 0)
+                       : lsetxattr(path.c_str(), x.name.c_str(), x.value.data(), x.value.size(), 0);
     if (rc != 0) failed(L"extended attribute could not be set");
   }
   if (privileged) {
@@ -103,8 +105,8 @@ int posix_apply_metadata(int dirfd, std::string const& name, int fd, POSIX_OS_IN
   }
   struct timespec const times[2] = {{info.atime_sec, static_cast<long>(info.atime_nsec)},
                                     {info.mtime_sec, static_cast<long>(info.mtime_nsec)}};
-  int const rc = fd >= 0 ? futimens(fd, times)
-                         : utimensat(dirfd, name.c_str(), times, AT_SYMLINK_NOFOLLOW);
+  int const rc =
+      fd >= 0 ? futimens(fd, times) : utimensat(dirfd, name.c_str(), times, AT_SYMLINK_NOFOLLOW);
   if (rc != 0) failed(L"times could not be set");
   return first;
 }

@@ -31,7 +31,9 @@ Lead lead_of(unsigned char b) {
   return {0, 0, 0};
 }
 
-bool is_continuation(unsigned char b) { return (b & kContinuationMask) == kContinuationTag; }
+bool is_continuation(unsigned char b) {
+  return (b & kContinuationMask) == kContinuationTag;
+}
 
 // Decodes the sequence at `p` (at most `left` bytes); 0 when it is not a
 // well-formed sequence.

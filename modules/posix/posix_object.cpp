@@ -82,7 +82,8 @@ void posix_object_drop_own(FSYS_HAND_STRUCT* fsh) {
 
 std::wstring posix_object_path(PosixObject const& obj) {
   PosixHandleState* state = posix_state(obj.fsysHand);
-  return state != nullptr ? posix_display_path(*state, obj.name) : L"/" + posix_decode_name(obj.name);
+  return state != nullptr ? posix_display_path(*state, obj.name)
+                          : L"/" + posix_decode_name(obj.name);
 }
 
 }  // namespace qbposix

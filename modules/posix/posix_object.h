@@ -28,32 +28,32 @@ struct PosixOutStream {
 };
 
 struct PosixObject : _FILE_HAND_STRUCT {
-  bool busy = false;            // open now (matters for the reused objHand)
+  bool busy = false;  // open now (matters for the reused objHand)
   OPEN_MODE mode = FS_READ;
-  int fd = -1;                  // the object itself, when it has one open
-  int dirfd = -1;               // the directory it lies in (restoring)
-  std::string name;             // its name there
+  int fd = -1;                     // the object itself, when it has one open
+  int dirfd = -1;                  // the directory it lies in (restoring)
+  std::string name;                // its name there
   std::vector<std::string> place;  // restoring: its directory's components below the root
-  POSIX_OS_INFO info{};         // reading: as opened; restoring: as described
+  POSIX_OS_INFO info{};            // reading: as opened; restoring: as described
 
   // Reading.
   std::vector<PosixOutStream> streams;
-  std::size_t current = 0;      // the stream being delivered
+  std::size_t current = 0;  // the stream being delivered
   bool header_sent = false;
-  std::uint64_t offset = 0;     // bytes of the current stream delivered
+  std::uint64_t offset = 0;          // bytes of the current stream delivered
   std::vector<PosixExtent> extents;  // where the data stream's bytes lie in the file
-  std::size_t extent = 0;       // extent being read
+  std::size_t extent = 0;            // extent being read
   std::uint64_t extent_offset = 0;
 
   // Restoring.
-  std::uint32_t in_id = 0;      // the stream being received; 0 before the first
+  std::uint32_t in_id = 0;  // the stream being received; 0 before the first
   std::uint64_t in_size = 0;
   std::uint64_t in_received = 0;
-  std::string in_bytes;         // a short stream gathered so far
+  std::string in_bytes;  // a short stream gathered so far
   std::vector<PosixXattr> xattrs;
   bool sparse = false;
   std::uint64_t sparse_size = 0;
-  bool linked = false;          // made as a further name of a file already restored
+  bool linked = false;             // made as a further name of a file already restored
   FS_STATUS failure = FS_SUCCESS;  // the first failure, returned again at close
 };
 

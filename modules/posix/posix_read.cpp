@@ -41,8 +41,9 @@ int open_noatime(int dirfd, char const* name, int flags) {
 }
 
 FS_STATUS report_open(FSYS_HAND_STRUCT* fsh, PosixObject const& obj, int error) {
-  return posix_report(fsh, error, posix_object_path(obj),
-                      error == ENOENT ? L"vanished before it could be read" : L"could not be opened");
+  return posix_report(
+      fsh, error, posix_object_path(obj),
+      error == ENOENT ? L"vanished before it could be read" : L"could not be opened");
 }
 
 // The extents of data of a file of `size` bytes, found with SEEK_DATA and
@@ -63,7 +64,8 @@ std::vector<PosixExtent> data_extents(int fd, POSIX_OS_INFO const& info) {
     off_t hole = lseek(fd, data, SEEK_HOLE);
     if (hole < 0 || static_cast<std::uint64_t>(hole) > size) hole = static_cast<off_t>(size);
     if (hole > data)
-      extents.push_back({static_cast<std::uint64_t>(data), static_cast<std::uint64_t>(hole - data)});
+      extents.push_back(
+          {static_cast<std::uint64_t>(data), static_cast<std::uint64_t>(hole - data)});
     at = hole;
   }
   return extents;
@@ -103,7 +105,8 @@ void check_after_data(PosixObject& obj) {
   struct stat st {};
   if (fstat(obj.fd, &st) != 0) return;
   if (st.st_ino != obj.info.ino || st.st_dev != obj.info.dev) {
-    posix_note(0, posix_object_path(obj), L"was replaced after it was listed; the file found when opened was read");
+    posix_note(0, posix_object_path(obj),
+               L"was replaced after it was listed; the file found when opened was read");
   } else if (static_cast<std::uint64_t>(st.st_size) > obj.info.size) {
     posix_note(0, posix_object_path(obj),
                L"grew from " + std::to_wstring(obj.info.size) + L" to " +
@@ -111,7 +114,8 @@ void check_after_data(PosixObject& obj) {
                    std::to_wstring(obj.info.size) + L" bytes were kept");
   } else if (st.st_mtim.tv_sec != obj.info.mtime_sec ||
              static_cast<std::uint32_t>(st.st_mtim.tv_nsec) != obj.info.mtime_nsec) {
-    posix_note(0, posix_object_path(obj), L"changed after it was listed; the copy may mix old and new data");
+    posix_note(0, posix_object_path(obj),
+               L"changed after it was listed; the copy may mix old and new data");
   }
 }
 
@@ -148,10 +152,11 @@ FS_STATUS read_data(PosixObject& obj, unsigned char* buffer, std::uint32_t room,
   do {
     got = pread(obj.fd, buffer, want, static_cast<off_t>(e.offset + obj.extent_offset));
   } while (got < 0 && errno == EINTR);
-  if (got < 0) return posix_report(obj.fsysHand, errno, posix_object_path(obj), L"could not be read");
+  if (got < 0)
+    return posix_report(obj.fsysHand, errno, posix_object_path(obj), L"could not be read");
   if (got == 0 && want > 0) {
-    std::wstring const what = L"shrank while being read: " + std::to_wstring(obj.offset) +
-                              L" of " + std::to_wstring(s.size) +
+    std::wstring const what = L"shrank while being read: " + std::to_wstring(obj.offset) + L" of " +
+                              std::to_wstring(s.size) +
                               L" bytes were read before its end; the copy is incomplete";
     return posix_report(obj.fsysHand, 0, posix_object_path(obj), what.c_str());
   }
@@ -194,7 +199,8 @@ FS_STATUS posix_open_read(FSYS_HAND_STRUCT* fsh, PosixObject& obj, DBLK* blk) {
   std::vector<PosixXattr> xattrs;
   int const error = posix_read_xattrs(dirfd, obj.name, obj.fd, xattrs);
   if (error != 0)
-    return posix_report(fsh, error, posix_object_path(obj), L"extended attributes could not be read");
+    return posix_report(fsh, error, posix_object_path(obj),
+                        L"extended attributes could not be read");
   if (!xattrs.empty()) {
     std::string bytes;
     posix_put_xattrs(xattrs, bytes);
@@ -209,7 +215,8 @@ FS_STATUS posix_open_read(FSYS_HAND_STRUCT* fsh, PosixObject& obj, DBLK* blk) {
   return S_ISREG(obj.info.mode) ? plan_regular(state, obj) : FS_SUCCESS;
 }
 
-FS_STATUS posix_open_obj(FSYS_HAND_STRUCT* fsh, _FILE_HAND_STRUCT** out, DBLK* blk, OPEN_MODE mode) {
+FS_STATUS posix_open_obj(FSYS_HAND_STRUCT* fsh, _FILE_HAND_STRUCT** out, DBLK* blk,
+                         OPEN_MODE mode) {
   if (out != nullptr) *out = nullptr;
   if (posix_state(fsh) == nullptr || out == nullptr || blk == nullptr || !dblk_is_object(blk))
     return FS_ERR_BAD_PARAMETER;
@@ -217,8 +224,8 @@ FS_STATUS posix_open_obj(FSYS_HAND_STRUCT* fsh, _FILE_HAND_STRUCT** out, DBLK* b
   PosixObject* obj = posix_object_acquire(fsh);
   if (obj == nullptr) return FS_ERR_NO_MEMORY;
   obj->mode = mode;
-  FS_STATUS const status = mode == FS_READ ? posix_open_read(fsh, *obj, blk)
-                                           : posix_open_write(fsh, *obj, blk);
+  FS_STATUS const status =
+      mode == FS_READ ? posix_open_read(fsh, *obj, blk) : posix_open_write(fsh, *obj, blk);
   if (status != FS_SUCCESS) {
     posix_object_release(obj);
     return status;

@@ -20,7 +20,8 @@ template <typename T>
 void put_le(std::string& out, T value) {
   char bytes[sizeof(T)];
   for (std::size_t i = 0; i < sizeof(T); ++i)
-    bytes[i] = static_cast<char>((static_cast<std::uint64_t>(value) >> (kBitsPerByte * i)) & kByteMask);
+    bytes[i] =
+        static_cast<char>((static_cast<std::uint64_t>(value) >> (kBitsPerByte * i)) & kByteMask);
   out.append(bytes, sizeof(T));
 }
 

@@ -60,23 +60,25 @@ constexpr std::uint8_t POSIX_OS_ID = 20;
 constexpr std::uint8_t POSIX_OS_INFO_VERSION = 1;
 
 // Attribute word 2 flags.
-constexpr std::uint32_t POSIX_ATTR2_SPARSE = 0x1;    // fewer blocks than its size needs: it may have holes
-constexpr std::uint32_t POSIX_ATTR2_LINKED = 0x2;    // more than one name (st_nlink > 1)
-constexpr std::uint32_t POSIX_ATTR2_MOUNT_POINT = 0x4;  // a directory on which another file system is mounted
+constexpr std::uint32_t POSIX_ATTR2_SPARSE =
+    0x1;  // fewer blocks than its size needs: it may have holes
+constexpr std::uint32_t POSIX_ATTR2_LINKED = 0x2;  // more than one name (st_nlink > 1)
+constexpr std::uint32_t POSIX_ATTR2_MOUNT_POINT =
+    0x4;  // a directory on which another file system is mounted
 
 // The stat record of an object, as carried in its block (in the order of
 // the supported x86-64 hosts, little-endian, with no padding).
 struct POSIX_OS_INFO {
-  std::uint32_t version;     // POSIX_OS_INFO_VERSION
-  std::uint32_t mode;        // st_mode: type, setuid, setgid, sticky, permissions
+  std::uint32_t version;  // POSIX_OS_INFO_VERSION
+  std::uint32_t mode;     // st_mode: type, setuid, setgid, sticky, permissions
   std::uint32_t uid;
   std::uint32_t gid;
   std::uint64_t nlink;
-  std::uint64_t dev;         // device of the file system holding it
+  std::uint64_t dev;  // device of the file system holding it
   std::uint64_t ino;
-  std::uint64_t rdev;        // device number of a device node
-  std::uint64_t size;        // st_size (a symbolic link: its target's length)
-  std::uint64_t blocks;      // 512-byte blocks allocated
+  std::uint64_t rdev;    // device number of a device node
+  std::uint64_t size;    // st_size (a symbolic link: its target's length)
+  std::uint64_t blocks;  // 512-byte blocks allocated
   std::int64_t atime_sec;
   std::int64_t mtime_sec;
   std::int64_t ctime_sec;

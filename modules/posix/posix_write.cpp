@@ -54,25 +54,22 @@ int make_object(int dirfd, std::string const& name, POSIX_OS_INFO const& info, b
   char const* n = name.c_str();
   mode_t const type = static_cast<mode_t>(info.mode) & S_IFMT;
   switch (type) {
-    case S_IFDIR:
-      return mkdirat(dirfd, n, kPrivateDir) == 0 ? 0 : errno;
+    case S_IFDIR: return mkdirat(dirfd, n, kPrivateDir) == 0 ? 0 : errno;
     case S_IFREG: {
-      int const fd = openat(dirfd, n, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, kPrivateFile);
+      int const fd =
+          openat(dirfd, n, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, kPrivateFile);
       if (fd < 0) return errno;
       close(fd);
       return 0;
     }
     case S_IFIFO:
-    case S_IFSOCK:
-      return mknodat(dirfd, n, type | kPrivateFile, 0) == 0 ? 0 : errno;
+    case S_IFSOCK: return mknodat(dirfd, n, type | kPrivateFile, 0) == 0 ? 0 : errno;
     case S_IFCHR:
     case S_IFBLK:
       if (!privileged) return EPERM;
       return mknodat(dirfd, n, type | kPrivateFile, static_cast<dev_t>(info.rdev)) == 0 ? 0 : errno;
-    case S_IFLNK:
-      return 0;  // made when its target arrives
-    default:
-      return EINVAL;
+    case S_IFLNK: return 0;  // made when its target arrives
+    default: return EINVAL;
   }
 }
 
@@ -126,10 +123,8 @@ FS_STATUS complete_short_stream(PosixObject& obj) {
         return fail(obj, EINVAL, L"sparse map is malformed");
       obj.sparse = true;
       return FS_SUCCESS;
-    case POSIX_STRM_SYMLINK:
-      return make_symlink(obj, obj.in_bytes);
-    default:
-      return make_hard_link(obj, obj.in_bytes);
+    case POSIX_STRM_SYMLINK: return make_symlink(obj, obj.in_bytes);
+    default: return make_hard_link(obj, obj.in_bytes);
   }
 }
 
@@ -170,7 +165,8 @@ FS_STATUS write_data(PosixObject& obj, unsigned char const* data, std::uint64_t 
 // arrived of a short data stream stays written.
 void check_stream_ended(PosixObject& obj) {
   bool const known = is_short_stream(obj.in_id) || obj.in_id == POSIX_STRM_DATA;
-  if (known && obj.in_received < obj.in_size) fail(obj, EINVAL, L"stream ended before its announced size");
+  if (known && obj.in_received < obj.in_size)
+    fail(obj, EINVAL, L"stream ended before its announced size");
   obj.in_id = STRM_INVALID;
 }
 
@@ -180,10 +176,10 @@ FS_STATUS posix_create_obj(FSYS_HAND_STRUCT* fsh, DBLK* blk, wchar_t const* name
                            RESTORE_SEMANTICS semantics) {
   PosixHandleState* state = posix_state(fsh);
   std::string bytes;
-  bool const named = name != nullptr ? posix_encode_name(name, std::wcslen(name), bytes) &&
-                                           !bytes.empty() && bytes.find('/') == std::string::npos &&
-                                           bytes != "." && bytes != ".."
-                                     : posix_blk_name(blk, bytes);
+  bool const named = name != nullptr
+                         ? posix_encode_name(name, std::wcslen(name), bytes) && !bytes.empty() &&
+                               bytes.find('/') == std::string::npos && bytes != "." && bytes != ".."
+                         : posix_blk_name(blk, bytes);
   POSIX_OS_INFO info{};
   if (state == nullptr || !named) return FS_ERR_BAD_PARAMETER;
   std::wstring const shown = posix_display_path(*state, bytes);
@@ -216,13 +212,16 @@ FS_STATUS posix_open_write(FSYS_HAND_STRUCT* fsh, PosixObject& obj, DBLK* blk) {
   PosixHandleState& state = *posix_state(fsh);
   if (!posix_blk_name(blk, obj.name)) return FS_ERR_BAD_PARAMETER;
   if (!posix_blk_info(blk, obj.info))
-    return posix_report(fsh, EINVAL, posix_object_path(obj), L"block carries no stat record to restore from");
+    return posix_report(fsh, EINVAL, posix_object_path(obj),
+                        L"block carries no stat record to restore from");
   if (S_ISDIR(obj.info.mode)) obj.place = posix_current_components(state);
   obj.dirfd = fcntl(posix_current_fd(state), F_DUPFD_CLOEXEC, 0);
-  if (obj.dirfd < 0) return posix_report(fsh, errno, posix_object_path(obj), L"directory could not be held");
+  if (obj.dirfd < 0)
+    return posix_report(fsh, errno, posix_object_path(obj), L"directory could not be held");
   if (S_ISREG(obj.info.mode)) {
     obj.fd = openat(obj.dirfd, obj.name.c_str(), O_WRONLY | O_NOFOLLOW | O_CLOEXEC);
-    if (obj.fd < 0) return posix_report(fsh, errno, posix_object_path(obj), L"could not be opened for writing");
+    if (obj.fd < 0)
+      return posix_report(fsh, errno, posix_object_path(obj), L"could not be opened for writing");
   }
   return FS_SUCCESS;
 }
