@@ -6,22 +6,22 @@
 namespace qbposix {
 namespace {
 
-void DestroyPosixDleData(DLE_FSYS_DATA* self) {
+void destroy_posix_dle_data(DLE_FSYS_DATA* self) {
   delete static_cast<PosixDleData*>(self);
 }
 
 }  // namespace
 
-PosixDleData* PosixDleDataCreate() {
+PosixDleData* posix_dle_data_create() {
   PosixDleData* data = new (std::nothrow) PosixDleData();
-  if (data != nullptr) data->destroy = &DestroyPosixDleData;
+  if (data != nullptr) data->destroy = &destroy_posix_dle_data;
   return data;
 }
 
-PosixDleData* PosixDleDataOf(GENERIC_DLE const* dle) {
+PosixDleData* posix_dle_data_of(GENERIC_DLE const* dle) {
   if (dle == nullptr || dle->fsys_data == nullptr) return nullptr;
   // The destroy function is this module's own only on records it made.
-  if (dle->fsys_data->destroy != &DestroyPosixDleData) return nullptr;
+  if (dle->fsys_data->destroy != &destroy_posix_dle_data) return nullptr;
   return static_cast<PosixDleData*>(dle->fsys_data);
 }
 

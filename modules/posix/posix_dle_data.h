@@ -15,8 +15,8 @@ struct PosixDleData : DLE_FSYS_DATA {
 };
 
 // A new record whose destroy function deletes it; null when out of memory.
-PosixDleData* PosixDleDataCreate();
+PosixDleData* posix_dle_data_create();
 // The element's record when the element is one of this module's, else null.
-PosixDleData* PosixDleDataOf(GENERIC_DLE const* dle);
+PosixDleData* posix_dle_data_of(GENERIC_DLE const* dle);
 
 }  // namespace qbposix

@@ -150,7 +150,7 @@ GENERIC_DLE* FindElement(_Q_HEADER const* queue, std::uint32_t subtype, std::wst
 FS_STATUS AddElement(HEAD_DLE* head, GENERIC_DLE* parent, std::wstring const& deviceName,
                      std::uint32_t subtype, wchar_t delimiter, std::wstring const& simpleName,
                      std::wstring const& machine, Volume const* volume, GENERIC_DLE** out) {
-  PosixDleData* data = PosixDleDataCreate();
+  PosixDleData* data = posix_dle_data_create();
   if (data == nullptr) return FS_ERR_NO_MEMORY;
   try {
     data->machine_name = machine;
@@ -202,7 +202,7 @@ FS_STATUS FindDrives(HEAD_DLE* head, QB_CFG* cfg) {
 
 }  // namespace
 
-FS_STATUS PosixFindDrives(HEAD_DLE* head, QB_CFG* cfg) {
+FS_STATUS posix_find_drives(HEAD_DLE* head, QB_CFG* cfg) {
   if (head == nullptr || cfg == nullptr) return FS_ERR_BAD_PARAMETER;
   try {
     return FindDrives(head, cfg);

@@ -10,9 +10,9 @@
 
 namespace qbposix {
 
-FS_STATUS PosixGetMachineName(GENERIC_DLE* dle, wchar_t* name, unsigned int* nameLength, int) {
+FS_STATUS posix_get_machine_name(GENERIC_DLE* dle, wchar_t* name, unsigned int* nameLength, int) {
   if (dle == nullptr || name == nullptr) return FS_ERR_BAD_PARAMETER;
-  PosixDleData const* data = PosixDleDataOf(dle);
+  PosixDleData const* data = posix_dle_data_of(dle);
   if (data == nullptr) return FS_ERR_NOT_SUPPORTED;
   std::size_t length = data->machine_name.size();
   if (length > POSIX_MACHINE_NAME_MAX) return FS_ERR_OBJ_NO_DATA;  // cannot happen: checked on creation

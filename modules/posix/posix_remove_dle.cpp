@@ -7,7 +7,7 @@
 
 namespace qbposix {
 
-FS_STATUS PosixRemoveDLE(GENERIC_DLE* dle) {
+FS_STATUS posix_remove_dle(GENERIC_DLE* dle) {
   if (dle == nullptr || dle->child_q.q_head != nullptr) return FS_ERR_BAD_PARAMETER;
   HEAD_DLE* head = dle->head;
   _Q_HEADER* queue = dle->parent ? &dle->parent->child_q : head ? &head->dle_q : nullptr;

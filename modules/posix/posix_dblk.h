@@ -1,0 +1,39 @@
+// Descriptor blocks of the posix module: filling one from a stat result,
+// and reading back the name and OS info of a block (one the module made,
+// or one a restore built with FS_CreateGenDBLK).
+#pragma once
+#include <sys/stat.h>
+
+#include <string>
+
+#include <qbfsys/dblk.h>
+#include <qbfsys/fs_status.h>
+#include <qbfsys/fs_types.h>
+
+#include "posix_handle_state.h"
+
+namespace qbposix {
+
+// The object type of a stat mode.
+OBJECT_TYPE posix_object_type(std::uint32_t mode);
+
+// Fills `blk` (a directory block for a directory, else a file block) with
+// the object `name` whose stat result is `st`. `storage` receives the OS
+// info record the block points at; it must outlive the caller's use of the
+// block. A name element this module put into `blk` before is released
+// first. Returns 0, or the status of the block's creation.
+FS_STATUS posix_fill_dblk(FSYS_HAND_STRUCT* fsh, PosixHandleState& state, DBLK* blk,
+                          std::string const& name, struct stat const& st, POSIX_OS_INFO& storage);
+
+// Gives back the block's name elements when this module put them there.
+void posix_release_name(FSYS_HAND_STRUCT* fsh, PosixHandleState& state, DBLK* blk);
+
+// The block's name as bytes; false when it has none, holds a character no
+// decoded name can (posix_name_codec.h), or is not one name ('/', "." or
+// "..").
+bool posix_blk_name(DBLK const* blk, std::string& bytes);
+
+// The block's OS info record; false when it has none this module can use.
+bool posix_blk_info(DBLK const* blk, POSIX_OS_INFO& info);
+
+}  // namespace qbposix

@@ -1,0 +1,121 @@
+// The per-handle state: levels, display paths, reports, and finishing the
+// directories a restore made.
+#include "posix_handle_state.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+
+#include <qbfsys/handles.h>
+#include <qbhost/zprintf.h>
+
+#include "posix_metadata.h"
+#include "posix_name_codec.h"
+
+namespace qbposix {
+
+PosixHandleState* posix_state(FSYS_HAND_STRUCT* fsh) {
+  if (fsh == nullptr || fsh->fsysData == nullptr) return nullptr;
+  auto* state = static_cast<PosixHandleState*>(fsh->fsysData);
+  return state->levels.empty() ? nullptr : state;
+}
+
+void posix_close_levels(PosixHandleState& state) {
+  for (PosixLevel& level : state.levels) {
+    if (level.fd >= 0) close(level.fd);
+  }
+  state.levels.clear();
+}
+
+std::vector<std::string> posix_current_components(PosixHandleState const& state) {
+  std::vector<std::string> out;
+  for (std::size_t i = POSIX_FIRST_BELOW_ROOT; i < state.levels.size(); ++i)
+    out.push_back(state.levels[i].name);
+  return out;
+}
+
+std::wstring posix_display_path(PosixHandleState const& state, std::string const& name) {
+  std::wstring out;
+  for (std::size_t i = POSIX_FIRST_BELOW_ROOT; i < state.levels.size(); ++i)
+    out += L"/" + posix_decode_name(state.levels[i].name);
+  if (!name.empty()) out += L"/" + posix_decode_name(name);
+  return out.empty() ? L"/" : out;
+}
+
+int posix_open_level(int base, char const* name) {
+  constexpr int kFlags = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
+  int const fd = openat(base, name, kFlags | O_NOATIME);
+  return fd >= 0 || errno != EPERM ? fd : openat(base, name, kFlags);
+}
+
+int posix_open_components(int base, std::vector<std::string> const& components) {
+  int fd = fcntl(base, F_DUPFD_CLOEXEC, 0);
+  for (std::string const& c : components) {
+    if (fd < 0) return -1;
+    int const next = openat(fd, c.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
+    int const saved = errno;
+    close(fd);
+    errno = saved;
+    fd = next;
+  }
+  return fd;
+}
+
+bool posix_split_relative(std::string const& path, std::vector<std::string>& components) {
+  components.clear();
+  if (path.empty() || path.front() == '/') return false;
+  std::size_t at = 0;
+  while (at <= path.size()) {
+    std::size_t const slash = std::min(path.find('/', at), path.size());
+    std::string part = path.substr(at, slash - at);
+    if (part.empty() || part == "." || part == "..") return false;
+    components.push_back(std::move(part));
+    at = slash + 1;
+  }
+  return true;
+}
+
+void posix_finish_deferred(PosixHandleState& state) {
+  if (state.levels.empty()) return;
+  int const root = state.levels.front().fd;
+  for (auto it = state.deferred.rbegin(); it != state.deferred.rend(); ++it) {
+    std::wstring shown;
+    for (std::string const& c : it->path) shown += L"/" + posix_decode_name(c);
+    int const fd = posix_open_components(root, it->path);
+    if (fd < 0) {
+      posix_note(errno, shown, L"directory could not be reopened to set its metadata");
+      continue;
+    }
+    wchar_t const* step = nullptr;
+    int const error =
+        posix_apply_metadata(fd, "", fd, it->info, it->xattrs, state.privileged, &step);
+    if (error != 0) posix_note(error, shown, step);
+    close(fd);
+  }
+  state.deferred.clear();
+}
+
+FS_STATUS posix_report(FSYS_HAND_STRUCT* fsh, int error, std::wstring const& path,
+                       wchar_t const* what, FS_EXT_ERR_ACTION action) {
+  std::wstring text = path + L": " + what;
+  if (error != 0) {
+    std::string const reason = std::strerror(error);
+    text += L" (" + std::wstring(reason.begin(), reason.end()) + L")";
+  }
+  QB_Zprintf(0, L"posix: %ls", text.c_str());
+  return FS_SetLastError(fsh, error, action, 0, text.c_str());
+}
+
+void posix_note(int error, std::wstring const& path, std::wstring const& what) {
+  std::wstring text = path + L": " + what;
+  if (error != 0) {
+    std::string const reason = std::strerror(error);
+    text += L" (" + std::wstring(reason.begin(), reason.end()) + L")";
+  }
+  QB_Zprintf(0, L"posix: %ls", text.c_str());
+}
+
+}  // namespace qbposix

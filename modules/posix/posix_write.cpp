@@ -1,0 +1,292 @@
+// Restoring objects: CreateObj, OpenObj for FS_WRITE, WriteObj, and the
+// metadata set when a restored object is closed.
+//
+// CreateObj makes what can be made from the block alone: a directory, an
+// empty regular file, a FIFO, a socket or a device node. A symbolic link
+// is made when its target stream arrives; a further name of a file already
+// restored replaces the empty file CreateObj made when its link stream
+// arrives, so a group of hard links holds one copy of the data.
+//
+// Streams the module does not know are taken and dropped, so media written
+// by a later version still restores what this one understands.
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <sys/sysmacros.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+#include <cwchar>
+
+#include <qbfsys/handles.h>
+#include <qbfsys/stream_info.h>
+
+#include "posix_dblk.h"
+#include "posix_fsys.h"
+#include "posix_metadata.h"
+#include "posix_name_codec.h"
+#include "posix_object.h"
+
+namespace qbposix {
+namespace {
+
+constexpr mode_t kPrivateFile = 0600;
+constexpr mode_t kPrivateDir = 0700;
+constexpr unsigned kNoMinimum = 1;  // `need`: any amount will do
+
+bool is_short_stream(std::uint32_t id) {
+  return id == POSIX_STRM_XATTRS || id == POSIX_STRM_SYMLINK || id == POSIX_STRM_HARDLINK ||
+         id == POSIX_STRM_SPARSE_MAP;
+}
+
+// Clears the way for a new object `name` of type `type` in `dirfd`.
+// Returns 0, EEXIST when a directory is to be reused, or an errno.
+int clear_way(int dirfd, std::string const& name, mode_t type) {
+  struct stat st {};
+  if (fstatat(dirfd, name.c_str(), &st, AT_SYMLINK_NOFOLLOW) != 0)
+    return errno == ENOENT ? 0 : errno;
+  if (S_ISDIR(st.st_mode) && S_ISDIR(type)) return EEXIST;
+  int const flags = S_ISDIR(st.st_mode) ? AT_REMOVEDIR : 0;
+  return unlinkat(dirfd, name.c_str(), flags) == 0 ? 0 : errno;
+}
+
+int make_object(int dirfd, std::string const& name, POSIX_OS_INFO const& info, bool privileged) {
+  char const* n = name.c_str();
+  mode_t const type = static_cast<mode_t>(info.mode) & S_IFMT;
+  switch (type) {
+    case S_IFDIR: return mkdirat(dirfd, n, kPrivateDir) == 0 ? 0 : errno;
+    case S_IFREG: {
+      int const fd =
+          openat(dirfd, n, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, kPrivateFile);
+      if (fd < 0) return errno;
+      close(fd);
+      return 0;
+    }
+    case S_IFIFO:
+    case S_IFSOCK: return mknodat(dirfd, n, type | kPrivateFile, 0) == 0 ? 0 : errno;
+    case S_IFCHR:
+    case S_IFBLK:
+      if (!privileged) return EPERM;
+      return mknodat(dirfd, n, type | kPrivateFile, static_cast<dev_t>(info.rdev)) == 0 ? 0 : errno;
+    case S_IFLNK: return 0;  // made when its target arrives
+    default: return EINVAL;
+  }
+}
+
+FS_STATUS fail(PosixObject& obj, int error, wchar_t const* what) {
+  FS_STATUS const status = posix_report(obj.fsysHand, error, posix_object_path(obj), what);
+  if (obj.failure == FS_SUCCESS) obj.failure = status;
+  return status;
+}
+
+FS_STATUS make_symlink(PosixObject& obj, std::string const& target) {
+  if (target.empty() || target.find('\0') != std::string::npos)
+    return fail(obj, EINVAL, L"symbolic link target is malformed");
+  if (symlinkat(target.c_str(), obj.dirfd, obj.name.c_str()) != 0) {
+    if (errno != EEXIST || clear_way(obj.dirfd, obj.name, S_IFLNK) != 0 ||
+        symlinkat(target.c_str(), obj.dirfd, obj.name.c_str()) != 0)
+      return fail(obj, errno, L"symbolic link could not be made");
+  }
+  return FS_SUCCESS;
+}
+
+FS_STATUS make_hard_link(PosixObject& obj, std::string const& target) {
+  PosixHandleState* state = posix_state(obj.fsysHand);
+  std::vector<std::string> parts;
+  if (state == nullptr || !posix_split_relative(target, parts))
+    return fail(obj, EINVAL, L"hard link target is malformed");
+  std::string const last = parts.back();
+  parts.pop_back();
+  int const from = posix_open_components(state->levels.front().fd, parts);
+  if (from < 0) return fail(obj, errno, L"hard link target's directory could not be opened");
+  if (obj.fd >= 0) {
+    close(obj.fd);
+    obj.fd = -1;
+  }
+  unlinkat(obj.dirfd, obj.name.c_str(), 0);  // the empty file CreateObj made
+  int const rc = linkat(from, last.c_str(), obj.dirfd, obj.name.c_str(), 0);
+  int const error = errno;
+  close(from);
+  if (rc != 0) return fail(obj, error, L"hard link could not be made");
+  obj.linked = true;
+  return FS_SUCCESS;
+}
+
+FS_STATUS complete_short_stream(PosixObject& obj) {
+  switch (obj.in_id) {
+    case POSIX_STRM_XATTRS:
+      if (!posix_parse_xattrs(obj.in_bytes, obj.xattrs))
+        return fail(obj, EINVAL, L"extended-attribute stream is malformed");
+      return FS_SUCCESS;
+    case POSIX_STRM_SPARSE_MAP:
+      if (!posix_parse_sparse_map(obj.in_bytes, obj.sparse_size, obj.extents))
+        return fail(obj, EINVAL, L"sparse map is malformed");
+      obj.sparse = true;
+      return FS_SUCCESS;
+    case POSIX_STRM_SYMLINK: return make_symlink(obj, obj.in_bytes);
+    default: return make_hard_link(obj, obj.in_bytes);
+  }
+}
+
+// Writes `n` data bytes at the place the stream's position maps to.
+FS_STATUS write_data(PosixObject& obj, unsigned char const* data, std::uint64_t n) {
+  if (obj.fd < 0) return fail(obj, EBADF, L"data arrived for an object that holds none");
+  while (n > 0) {
+    std::uint64_t at = obj.in_received;
+    std::uint64_t room = n;
+    if (obj.sparse) {
+      while (obj.extent < obj.extents.size() &&
+             obj.extent_offset == obj.extents[obj.extent].length) {
+        ++obj.extent;
+        obj.extent_offset = 0;
+      }
+      if (obj.extent == obj.extents.size())
+        return fail(obj, EINVAL, L"data goes beyond the sparse map");
+      PosixExtent const& e = obj.extents[obj.extent];
+      at = e.offset + obj.extent_offset;
+      room = std::min(n, e.length - obj.extent_offset);
+    }
+    ssize_t const put = pwrite(obj.fd, data, room, static_cast<off_t>(at));
+    if (put < 0) {
+      if (errno == EINTR) continue;
+      return fail(obj, errno, L"could not be written");
+    }
+    std::uint64_t const done = static_cast<std::uint64_t>(put);
+    obj.in_received += done;
+    obj.extent_offset += done;
+    data += done;
+    n -= done;
+  }
+  return FS_SUCCESS;
+}
+
+// A stream this module acts on must have arrived whole before the next
+// header or the close; a short one (damaged media) is reported, and what
+// arrived of a short data stream stays written.
+void check_stream_ended(PosixObject& obj) {
+  bool const known = is_short_stream(obj.in_id) || obj.in_id == POSIX_STRM_DATA;
+  if (known && obj.in_received < obj.in_size)
+    fail(obj, EINVAL, L"stream ended before its announced size");
+  obj.in_id = STRM_INVALID;
+}
+
+}  // namespace
+
+FS_STATUS posix_create_obj(FSYS_HAND_STRUCT* fsh, DBLK* blk, wchar_t const* name,
+                           RESTORE_SEMANTICS semantics) {
+  PosixHandleState* state = posix_state(fsh);
+  std::string bytes;
+  bool const named = name != nullptr
+                         ? posix_encode_name(name, std::wcslen(name), bytes) && !bytes.empty() &&
+                               bytes.find('/') == std::string::npos && bytes != "." && bytes != ".."
+                         : posix_blk_name(blk, bytes);
+  POSIX_OS_INFO info{};
+  if (state == nullptr || !named) return FS_ERR_BAD_PARAMETER;
+  std::wstring const shown = posix_display_path(*state, bytes);
+  if (!posix_blk_info(blk, info))
+    return posix_report(fsh, EINVAL, shown, L"block carries no stat record to restore from");
+  int const dirfd = posix_current_fd(*state);
+  struct stat st {};
+  if (semantics == RESTORE_SKIP_EXISTING &&
+      fstatat(dirfd, bytes.c_str(), &st, AT_SYMLINK_NOFOLLOW) == 0)
+    return FS_STATUS_NONE;
+  int error = clear_way(dirfd, bytes, static_cast<mode_t>(info.mode));
+  if (error != 0 && error != EEXIST)
+    return posix_report(fsh, error, shown, L"object in the way could not be removed");
+  if (S_ISDIR(info.mode)) {
+    // Its metadata waits for detach, whether or not it is opened for its
+    // attributes; an existing directory is reused.
+    std::vector<std::string> path = posix_current_components(*state);
+    path.push_back(bytes);
+    state->deferred.push_back({std::move(path), info, {}});
+    if (error == EEXIST) return FS_SUCCESS;
+  }
+  error = make_object(dirfd, bytes, info, state->privileged);
+  if (error == EPERM && !state->privileged && (S_ISCHR(info.mode) || S_ISBLK(info.mode)))
+    return posix_report(fsh, error, shown, L"device node needs privilege to be restored");
+  if (error != 0) return posix_report(fsh, error, shown, L"could not be created");
+  return FS_SUCCESS;
+}
+
+FS_STATUS posix_open_write(FSYS_HAND_STRUCT* fsh, PosixObject& obj, DBLK* blk) {
+  PosixHandleState& state = *posix_state(fsh);
+  if (!posix_blk_name(blk, obj.name)) return FS_ERR_BAD_PARAMETER;
+  if (!posix_blk_info(blk, obj.info))
+    return posix_report(fsh, EINVAL, posix_object_path(obj),
+                        L"block carries no stat record to restore from");
+  if (S_ISDIR(obj.info.mode)) obj.place = posix_current_components(state);
+  obj.dirfd = fcntl(posix_current_fd(state), F_DUPFD_CLOEXEC, 0);
+  if (obj.dirfd < 0)
+    return posix_report(fsh, errno, posix_object_path(obj), L"directory could not be held");
+  if (S_ISREG(obj.info.mode)) {
+    obj.fd = openat(obj.dirfd, obj.name.c_str(), O_WRONLY | O_NOFOLLOW | O_CLOEXEC);
+    if (obj.fd < 0)
+      return posix_report(fsh, errno, posix_object_path(obj), L"could not be opened for writing");
+  }
+  return FS_SUCCESS;
+}
+
+FS_STATUS posix_write_obj(_FILE_HAND_STRUCT* hand, unsigned char* buffer, unsigned int* size,
+                          unsigned int* need, STREAM_INFO* stream) {
+  if (hand == nullptr || size == nullptr || need == nullptr || (buffer == nullptr && *size > 0))
+    return FS_ERR_BAD_PARAMETER;
+  PosixObject& obj = *posix_object(hand);
+  if (!obj.busy || obj.mode != FS_WRITE) return FS_ERR_BAD_PARAMETER;
+  *need = kNoMinimum;
+  if (stream != nullptr && stream->id != STRM_INVALID) {
+    check_stream_ended(obj);
+    obj.in_id = stream->id;
+    obj.in_size = stream->size;
+    obj.in_received = 0;
+    obj.in_bytes.clear();
+    obj.extent = 0;
+    obj.extent_offset = 0;
+    *size = 0;
+    if (is_short_stream(obj.in_id) && obj.in_size > POSIX_SHORT_STREAM_MAX)
+      return fail(obj, EFBIG, L"metadata stream is too large");
+    if (obj.in_id == POSIX_STRM_DATA) *need = POSIX_IO_UNIT;
+    if (is_short_stream(obj.in_id) && obj.in_size == 0) return complete_short_stream(obj);
+    return FS_SUCCESS;
+  }
+  if (obj.in_id == STRM_INVALID) return FS_ERR_BAD_PARAMETER;
+  std::uint64_t n = obj.in_size - obj.in_received;
+  if (n > *size) n = *size;
+  *size = static_cast<unsigned int>(n);
+  if (obj.in_id == POSIX_STRM_DATA) {
+    *need = POSIX_IO_UNIT;
+    return write_data(obj, buffer, n);
+  }
+  obj.in_received += n;
+  if (!is_short_stream(obj.in_id)) return FS_SUCCESS;  // unknown stream: dropped
+  obj.in_bytes.append(reinterpret_cast<char const*>(buffer), n);
+  return obj.in_received == obj.in_size ? complete_short_stream(obj) : FS_SUCCESS;
+}
+
+FS_STATUS posix_finish_write(PosixObject& obj) {
+  PosixHandleState* state = posix_state(obj.fsysHand);
+  if (state == nullptr) return FS_ERR_BAD_PARAMETER;
+  check_stream_ended(obj);
+  if (obj.linked) return obj.failure;  // the file's metadata came with its first name
+  if (S_ISDIR(obj.info.mode)) {
+    std::vector<std::string> path = obj.place;
+    path.push_back(obj.name);
+    // Its record was made by CreateObj, usually the latest one.
+    for (auto it = state->deferred.rbegin(); it != state->deferred.rend(); ++it)
+      if (it->path == path) {
+        it->info = obj.info;
+        it->xattrs = obj.xattrs;
+        return obj.failure;
+      }
+    state->deferred.push_back({std::move(path), obj.info, obj.xattrs});
+    return obj.failure;
+  }
+  if (obj.sparse && obj.fd >= 0 && ftruncate(obj.fd, static_cast<off_t>(obj.sparse_size)) != 0)
+    fail(obj, errno, L"could not be given its size");
+  wchar_t const* step = nullptr;
+  int const error = posix_apply_metadata(obj.dirfd, obj.name, obj.fd, obj.info, obj.xattrs,
+                                         state->privileged, &step);
+  if (error != 0) fail(obj, error, step);
+  return obj.failure;
+}
+
+}  // namespace qbposix
