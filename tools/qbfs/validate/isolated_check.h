@@ -1,0 +1,26 @@
+// Running one check in a child process, so that a module that crashes,
+// hangs or corrupts memory is reported instead of taking the validator with
+// it.
+#pragma once
+#include <functional>
+
+#include "check_result.h"
+
+namespace qbfs::validate {
+
+// Forks; the child runs `check` (its standard output goes to standard
+// error, so that nothing a module prints mixes with the report), sends the
+// result back through a pipe and ends with _exit, skipping exit handlers:
+// the module's leaks are measured by the checks themselves, not by whatever
+// leak report the process would print at exit. The parent waits at most
+// `timeout_seconds`; a child still running then is killed.
+//
+// Returns the child's result; or failed with "did not finish within N s"
+// (killed), "crashed: signal N (NAME)" or "ended with exit status N before
+// reporting" (a sanitizer report or an exit() inside the module: standard
+// error has the details); or failed when the fork itself fails. The id is
+// set to `id` in every case.
+CheckResult run_isolated(char const* id, unsigned timeout_seconds,
+                         std::function<CheckResult()> const& check);
+
+}  // namespace qbfs::validate
