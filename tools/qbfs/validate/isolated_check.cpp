@@ -33,9 +33,17 @@ void write_all(int fd, std::string const& text) {
   }
 }
 
-[[noreturn]] void child_main(int fd, std::function<CheckResult()> const& check) {
+// Standard error kept for the crash diagnosis; the rest is only passed on.
+constexpr std::size_t kKeptErrorBytes = 64 * 1024;
+// Lines by which the sanitizers begin a report.
+constexpr char const* kSanitizerMarks[] = {"ERROR: AddressSanitizer: ", "ERROR: LeakSanitizer: ",
+                                           "runtime error: "};
+
+[[noreturn]] void child_main(int fd, int err_fd, std::function<CheckResult()> const& check) {
   std::fflush(stdout);
-  dup2(STDERR_FILENO, STDOUT_FILENO);
+  dup2(err_fd, STDERR_FILENO);
+  dup2(err_fd, STDOUT_FILENO);
+  close(err_fd);
   CheckResult result;
   try {
     result = check();
@@ -53,24 +61,52 @@ void write_all(int fd, std::string const& text) {
   _exit(0);
 }
 
-// Reads the child's record until it closes the pipe or the time is up.
-// Returns false on timeout.
-bool read_record(int fd, unsigned timeout_seconds, std::string& record) {
+// Reads the child's record and standard error until both pipes close or the
+// time is up; standard error is passed on and its beginning kept. Returns
+// false on timeout.
+bool read_child(int fd, int err_fd, unsigned timeout_seconds, std::string& record,
+                std::string& errors) {
   auto const deadline = std::chrono::steady_clock::now() + std::chrono::seconds(timeout_seconds);
   char buffer[4096];
-  for (;;) {
+  pollfd p[2] = {{fd, POLLIN, 0}, {err_fd, POLLIN, 0}};
+  while (p[0].fd >= 0 || p[1].fd >= 0) {
     auto const left = std::chrono::duration_cast<std::chrono::milliseconds>(
         deadline - std::chrono::steady_clock::now());
     if (left.count() <= 0) return false;
-    pollfd p{fd, POLLIN, 0};
-    int const ready = poll(&p, 1, static_cast<int>(left.count()));
+    int const ready = poll(p, 2, static_cast<int>(left.count()));
     if (ready < 0 && errno == EINTR) continue;
-    if (ready <= 0) return ready == 0 ? false : true;
-    ssize_t n = read(fd, buffer, sizeof buffer);
-    if (n < 0 && errno == EINTR) continue;
-    if (n <= 0) return true;
-    record.append(buffer, static_cast<std::size_t>(n));
+    if (ready < 0) return true;
+    if (ready == 0) return false;
+    for (pollfd& one : p) {
+      if (one.fd < 0 || one.revents == 0) continue;
+      ssize_t const n = read(one.fd, buffer, sizeof buffer);
+      if (n < 0 && errno == EINTR) continue;
+      if (n <= 0) {
+        one.fd = -1;  // closed (or broken): nothing more comes
+        continue;
+      }
+      auto const count = static_cast<std::size_t>(n);
+      if (&one == &p[0]) {
+        record.append(buffer, count);
+      } else {
+        std::fwrite(buffer, 1, count, stderr);
+        if (errors.size() < kKeptErrorBytes) errors.append(buffer, count);
+      }
+    }
   }
+  return true;
+}
+
+// The first line of a sanitizer report in `errors` (from its mark on, without
+// the process id before it), or empty.
+std::string sanitizer_line(std::string const& errors) {
+  for (char const* mark : kSanitizerMarks) {
+    std::size_t const at = errors.find(mark);
+    if (at == std::string::npos) continue;
+    std::size_t const end = errors.find('\n', at);
+    return errors.substr(at, end == std::string::npos ? std::string::npos : end - at);
+  }
+  return {};
 }
 
 }  // namespace
@@ -79,21 +115,29 @@ CheckResult run_isolated(char const* id, unsigned timeout_seconds,
                          std::function<CheckResult()> const& check) {
   CheckResult result;
   int fds[2];
+  int err[2];
   std::fflush(nullptr);
   if (pipe(fds) != 0) {
     result = failed(std::string("could not make a pipe to a child: ") + std::strerror(errno));
+  } else if (pipe(err) != 0) {
+    result = failed(std::string("could not make a pipe to a child: ") + std::strerror(errno));
+    close(fds[0]);
+    close(fds[1]);
   } else if (pid_t const pid = fork(); pid < 0) {
     result = failed(std::string("could not start a child process: ") + std::strerror(errno));
-    close(fds[0]);
-    close(fds[1]);
+    for (int fd : {fds[0], fds[1], err[0], err[1]}) close(fd);
   } else if (pid == 0) {
     close(fds[0]);
-    child_main(fds[1], check);
+    close(err[0]);
+    child_main(fds[1], err[1], check);
   } else {
     close(fds[1]);
+    close(err[1]);
     std::string record;
-    bool const finished = read_record(fds[0], timeout_seconds, record);
+    std::string errors;
+    bool const finished = read_child(fds[0], err[0], timeout_seconds, record, errors);
     close(fds[0]);
+    close(err[0]);
     if (!finished) kill(pid, SIGKILL);
     int status = 0;
     while (waitpid(pid, &status, 0) < 0 && errno == EINTR) {
@@ -105,6 +149,8 @@ CheckResult run_isolated(char const* id, unsigned timeout_seconds,
       result = record[0] == kPassed ? passed(record.substr(1))
                : record[0] == kFailed ? failed(record.substr(1))
                                       : skipped(record.substr(1));
+    } else if (std::string const line = sanitizer_line(errors); !line.empty()) {
+      result = failed("crashed: " + line);
     } else if (WIFSIGNALED(status)) {
       int const sig = WTERMSIG(status);
       result = failed("crashed: signal " + std::to_string(sig) + " (" + strsignal(sig) +

@@ -15,11 +15,14 @@ namespace qbfs::validate {
 // leak report the process would print at exit. The parent waits at most
 // `timeout_seconds`; a child still running then is killed.
 //
+// The child's standard error is passed on to the parent's as it comes, and
+// kept: when the child ends without a result, the first line of a sanitizer
+// report in it names the fault.
+//
 // Returns the child's result; or failed with "did not finish within N s"
-// (killed), "crashed: signal N (NAME)" or "ended with exit status N before
-// reporting" (a sanitizer report or an exit() inside the module: standard
-// error has the details); or failed when the fork itself fails. The id is
-// set to `id` in every case.
+// (killed), "crashed: <the sanitizer's line>", "crashed: signal N (NAME)" or
+// "ended with exit status N before reporting" (an exit() inside the module);
+// or failed when the fork itself fails. The id is set to `id` in every case.
 CheckResult run_isolated(char const* id, unsigned timeout_seconds,
                          std::function<CheckResult()> const& check);
 
