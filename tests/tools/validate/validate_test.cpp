@@ -57,7 +57,7 @@ struct FaultCase {
   char const* says;    // part of the failure's detail
 };
 
-const FaultCase kFaults[] = {
+FaultCase const kFaults[] = {
     {"qbv_none", "", "passed   read-framing       1 files read (1 streams, 1000 bytes)"},
     {"qbv_wrong_version", "interface-version", "expected interface version 23; the module reports 22"},
     {"qbv_read_overrun", "read-framing", "FS_ERR_OBJ_OVERRUN"},

@@ -28,6 +28,8 @@ using validate::ValidateOptions;
 constexpr int kExitPassed = 0;
 constexpr int kExitFailed = 1;
 constexpr int kExitUsage = 2;
+// parse() result: help was asked for and shown.
+constexpr int kHelpShown = -1;
 
 constexpr char kValidateUsage[] =
     "usage: qbfs [--root DIR]... validate [options] MODULE.so\n"
@@ -78,7 +80,8 @@ bool is_directory(char const* path) {
   return stat(path, &st) == 0 && S_ISDIR(st.st_mode);
 }
 
-// Returns 0 when the arguments are good, else prints why and returns 2.
+// Returns 0 when the arguments are good, kHelpShown after printing the help,
+// else prints why and returns kExitUsage.
 int parse(Options const& global, int argc, char** argv, ValidateOptions& options) {
   options.roots = global.roots;
   options.drive_scan = global.drive_scan;
@@ -91,7 +94,7 @@ int parse(Options const& global, int argc, char** argv, ValidateOptions& options
       options.json = true;
     } else if (a == "-h" || a == "--help") {
       std::fputs(kValidateUsage, stdout);
-      std::exit(kExitPassed);
+      return kHelpShown;
     } else if ((a == "--seed") && has_value) {
       char* end = nullptr;
       options.seed = std::strtoull(argv[++i], &end, 10);
@@ -148,7 +151,8 @@ int parse(Options const& global, int argc, char** argv, ValidateOptions& options
 
 int cmd_validate(Options const& global, int argc, char** argv) {
   ValidateOptions options;
-  if (int const bad = parse(global, argc, argv, options); bad != 0) return bad;
+  if (int const parsed = parse(global, argc, argv, options); parsed != 0)
+    return parsed == kHelpShown ? kExitPassed : parsed;
   validate::Report report;
   for (CheckStep const& step : kSteps) {
     CheckResult const* needed = step.needs != nullptr ? report.find(step.needs) : nullptr;

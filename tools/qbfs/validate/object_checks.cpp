@@ -281,7 +281,7 @@ std::string probe_change_to_missing(FSYS_HAND_STRUCT* hand, std::uint64_t seed) 
   return problem;
 }
 
-const Probe kProbes[] = {
+Probe const kProbes[] = {
     {"GetCurrentPath, no room", probe_path_no_room},
     {"FindFirstObj, null specification", probe_find_all},
     {"FindFirstObj, nothing matches", probe_find_nothing},
