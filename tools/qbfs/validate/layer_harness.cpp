@@ -116,6 +116,39 @@ std::vector<GENERIC_DLE*> LayerHarness::attach_targets() const {
   return out;
 }
 
+FSYS_HAND_STRUCT* attach_element(LayerHarness& harness, GENERIC_DLE* dle, std::string& problem) {
+  FSYS_HAND_STRUCT* hand = nullptr;
+  FS_STATUS const status = FS_AttachToDLE(&hand, dle, harness.cfg(), nullptr, nullptr, 0, 0,
+                                          nullptr, nullptr, 0, nullptr, false);
+  if (status == FS_SUCCESS) return hand;
+  problem = "attach to " + element_name(dle) + " returned " + status_text(status);
+  if (hand != nullptr) FS_DetachDLE(hand);
+  return nullptr;
+}
+
+bool ready_to_walk(LayerHarness& harness, std::string& why_not) {
+  if (harness.indices().empty()) {
+    why_not = "start-up left no file system of the module";
+    return false;
+  }
+  harness.find_drives();
+  std::vector<GENERIC_DLE*> const targets = harness.attach_targets();
+  if (targets.empty()) {
+    why_not = "the module found no element to attach to";
+    return false;
+  }
+  std::string problem;
+  FSYS_HAND_STRUCT* hand = attach_element(harness, targets.front(), problem);
+  if (hand == nullptr) {
+    why_not = "attaching fails (see attach-detach)";
+    return false;
+  }
+  bool const walks = job::can_walk(hand);
+  FS_DetachDLE(hand);
+  if (!walks) why_not = "the module offers no walking slots (FindFirstObj, FindNextObj)";
+  return walks;
+}
+
 namespace job {
 
 // The layer's dispatch for handle operations: the adapter when set, else the

@@ -49,6 +49,14 @@ class LayerHarness {
   HEAD_DLE* head_ = nullptr;
 };
 
+// Attaches to `dle` as a job does (flags 0); on failure `problem` says why
+// (the status) and null is returned with nothing left attached.
+FSYS_HAND_STRUCT* attach_element(LayerHarness& harness, GENERIC_DLE* dle, std::string& problem);
+// Finds the drives and tells whether the module can be walked (an element to
+// attach to, attaching works, walking slots); `why_not` is the skip reason
+// otherwise.
+bool ready_to_walk(LayerHarness& harness, std::string& why_not);
+
 // The module's file name in the wide form the layer keeps.
 std::wstring wide(std::string const& text);
 // A wide text in UTF-8, for messages.

@@ -4,17 +4,10 @@
 // a child process (isolated_check.h). A module that offers no walking slots
 // has these checks skipped.
 #pragma once
-#include <cstdint>
-
 #include "check_result.h"
 #include "validate_options.h"
 
 namespace qbfs::validate {
-
-// A read size above this is not a minimum a module can honestly ask for.
-constexpr std::uint32_t kMaxSaneNeed = 16u * 1024u * 1024u;
-// Bytes after the room of each read that must come back untouched.
-constexpr std::uint32_t kCanaryBytes = 64;
 
 // null-arguments: GetCurrentPath into no room answers FS_ERR_OBJ_NO_DATA
 // with the size needed and writes nothing; find-first with a null
