@@ -8,6 +8,7 @@
 #include <qbfsys/dblk.h>
 #include <qbfsys/handles.h>
 
+#include "isolated_check.h"
 #include "layer_harness.h"
 #include "object_checks.h"
 
@@ -122,6 +123,7 @@ CheckResult check_null_arguments(ValidateOptions const& options) {
   if (hand == nullptr) return failed(problem);
   std::string problems;
   for (Probe const& p : kProbes) {
+    note_step(std::string("probe: ") + p.what);
     std::string const found = p.run(hand, options.seed);
     if (!found.empty()) problems += (problems.empty() ? "" : "; ") + found;
   }

@@ -20,6 +20,8 @@ constexpr int kMillisPerSecond = 1000;
 constexpr char kPassed = 'P';
 constexpr char kFailed = 'F';
 constexpr char kSkipped = 'S';
+// A step note: this letter, the text, a newline; notes precede the record.
+constexpr char kStep = '~';
 // What the child exits with when it could not even send its record.
 constexpr int kChildCannotReport = 3;
 
@@ -36,10 +38,15 @@ void write_all(int fd, std::string const& text) {
 // Standard error kept for the crash diagnosis; the rest is only passed on.
 constexpr std::size_t kKeptErrorBytes = 64 * 1024;
 // Lines by which the sanitizers begin a report.
+constexpr char kUndefinedBehaviourMark[] = "runtime error: ";
 constexpr char const* kSanitizerMarks[] = {"ERROR: AddressSanitizer: ", "ERROR: LeakSanitizer: ",
-                                           "runtime error: "};
+                                           kUndefinedBehaviourMark};
+
+// The record pipe of this process when it is a check's child, else -1.
+int g_record_fd = -1;
 
 [[noreturn]] void child_main(int fd, int err_fd, std::function<CheckResult()> const& check) {
+  g_record_fd = fd;
   std::fflush(stdout);
   dup2(err_fd, STDERR_FILENO);
   dup2(err_fd, STDOUT_FILENO);
@@ -97,12 +104,32 @@ bool read_child(int fd, int err_fd, unsigned timeout_seconds, std::string& recor
   return true;
 }
 
-// The first line of a sanitizer report in `errors` (from its mark on, without
-// the process id before it), or empty.
+// Splits the child's output into its step notes (the last one kept) and the
+// record proper.
+std::string take_last_step(std::string& record) {
+  std::string step;
+  std::size_t pos = 0;
+  while (pos < record.size() && record[pos] == kStep) {
+    std::size_t const end = record.find('\n', pos);
+    if (end == std::string::npos) break;
+    step = record.substr(pos + 1, end - pos - 1);
+    pos = end + 1;
+  }
+  record.erase(0, pos);
+  return step;
+}
+
+// The first line of a sanitizer report in `errors`, or empty. An address or
+// leak report loses the process id before its mark; an undefined-behaviour
+// report keeps the source position before its mark.
 std::string sanitizer_line(std::string const& errors) {
   for (char const* mark : kSanitizerMarks) {
-    std::size_t const at = errors.find(mark);
+    std::size_t at = errors.find(mark);
     if (at == std::string::npos) continue;
+    if (mark == kUndefinedBehaviourMark) {
+      std::size_t const line_start = errors.rfind('\n', at);
+      at = line_start == std::string::npos ? 0 : line_start + 1;
+    }
     std::size_t const end = errors.find('\n', at);
     return errors.substr(at, end == std::string::npos ? std::string::npos : end - at);
   }
@@ -139,6 +166,7 @@ CheckResult run_isolated(char const* id, unsigned timeout_seconds,
     close(fds[0]);
     close(err[0]);
     if (!finished) kill(pid, SIGKILL);
+    std::string const step = take_last_step(record);
     int status = 0;
     while (waitpid(pid, &status, 0) < 0 && errno == EINTR) {
     }
@@ -158,12 +186,17 @@ CheckResult run_isolated(char const* id, unsigned timeout_seconds,
     } else {
       int const code = WIFEXITED(status) ? WEXITSTATUS(status) : kChildCannotReport;
       result = failed("ended with exit status " + std::to_string(code) +
-                      " before reporting (a sanitizer report or an exit inside the module; "
-                      "see standard error)");
+                      " before reporting (an exit inside the module; see standard error)");
     }
+    bool const reported = finished && !record.empty();
+    if (!reported && !step.empty()) result.detail += " (during: " + step + ")";
   }
   result.id = id;
   return result;
+}
+
+void note_step(std::string const& step) {
+  if (g_record_fd >= 0) write_all(g_record_fd, kStep + step + '\n');
 }
 
 }  // namespace qbfs::validate

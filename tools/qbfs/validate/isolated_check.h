@@ -3,6 +3,7 @@
 // it.
 #pragma once
 #include <functional>
+#include <string>
 
 #include "check_result.h"
 
@@ -25,5 +26,11 @@ namespace qbfs::validate {
 // or failed when the fork itself fails. The id is set to `id` in every case.
 CheckResult run_isolated(char const* id, unsigned timeout_seconds,
                          std::function<CheckResult()> const& check);
+
+// Inside a check's child: tells the parent what the check is about to do
+// ("attach to 'vol1', cycle 3"). When the child then crashes or hangs, the
+// failure ends with "(during: <the last step>)". Does nothing outside a
+// child.
+void note_step(std::string const& step);
 
 }  // namespace qbfs::validate

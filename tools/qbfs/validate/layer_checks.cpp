@@ -8,6 +8,7 @@
 #include <qbfsys/registry.h>
 #include <qbhost/heap_counters.h>
 
+#include "isolated_check.h"
 #include "layer_harness.h"
 
 namespace qbfs::validate {
@@ -15,6 +16,7 @@ namespace {
 
 // One attach and detach as a job does them, with flags 0.
 std::string attach_once(LayerHarness& harness, GENERIC_DLE* dle) {
+  note_step("attach to " + element_name(dle));
   FSYS_HAND_STRUCT* hand = nullptr;
   FS_STATUS const attached = FS_AttachToDLE(&hand, dle, harness.cfg(), nullptr, nullptr, 0, 0,
                                             nullptr, nullptr, 0, nullptr, false);
@@ -28,6 +30,7 @@ std::string attach_once(LayerHarness& harness, GENERIC_DLE* dle) {
     }
     return text;
   }
+  note_step("detach from " + element_name(dle));
   FS_STATUS const detached = FS_DetachDLE(hand);
   if (detached != FS_SUCCESS)
     return "detach from " + element_name(dle) + " returned " + status_text(detached) +
@@ -152,7 +155,9 @@ CheckResult check_shut_down(ValidateOptions const& options) {
   LayerHarness harness(options);
   if (harness.indices().empty()) return skipped("start-up left no file system of the module");
   harness.find_drives();
+  note_step("freeing the tree (FS_DeinitDleList: the module's RemoveDLE)");
   FS_DeinitDleList(harness.head());
+  note_step("shutting down (FS_RemoveFileSys: the module's DeInitFileSys)");
   FS_RemoveFileSys();
   for (unsigned index : harness.indices())
     if (dlls[index])

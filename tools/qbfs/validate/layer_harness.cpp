@@ -10,6 +10,8 @@
 #include <qbfsys/registry.h>
 #include <qbhost/strings.h>
 
+#include "isolated_check.h"
+
 namespace qbfs::validate {
 namespace {
 
@@ -94,12 +96,16 @@ LayerHarness::LayerHarness(ValidateOptions const& options, std::wstring const& e
   cfg_.roots = roots_.empty() ? nullptr : root_ptrs_.data();
   std::wstring const module = wide(options.module);
   wchar_t const* names[] = {module.c_str(), nullptr};
+  note_step("start-up (FS_InitFileSys: the module's GetTable and InitFileSys)");
   start_status_ = FS_InitFileSys(&cfg_, ~0ull, names, 1);
   for (unsigned i = 0; i < FS_MAX_FSYS; ++i)
     if (dlls[i] && dlls[i]->name == module) indices_.push_back(i);
 }
 
-FS_STATUS LayerHarness::find_drives() { return FS_InitDleList(&head_, &cfg_); }
+FS_STATUS LayerHarness::find_drives() {
+  note_step("finding drives (FS_InitDleList: the module's FindDrives)");
+  return FS_InitDleList(&head_, &cfg_);
+}
 
 std::vector<GENERIC_DLE*> LayerHarness::module_elements() const {
   std::vector<GENERIC_DLE*> out;
@@ -117,6 +123,7 @@ std::vector<GENERIC_DLE*> LayerHarness::attach_targets() const {
 }
 
 FSYS_HAND_STRUCT* attach_element(LayerHarness& harness, GENERIC_DLE* dle, std::string& problem) {
+  note_step("attach to " + element_name(dle));
   FSYS_HAND_STRUCT* hand = nullptr;
   FS_STATUS const status = FS_AttachToDLE(&hand, dle, harness.cfg(), nullptr, nullptr, 0, 0,
                                           nullptr, nullptr, 0, nullptr, false);

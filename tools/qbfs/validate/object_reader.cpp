@@ -4,6 +4,7 @@
 
 #include <qbfsys/file_hand.h>
 
+#include "isolated_check.h"
 #include "layer_harness.h"
 #include "stream_framing.h"
 
@@ -29,6 +30,7 @@ std::uint32_t draw_room(std::mt19937_64& rng) {
 ReadOutcome read_object(FSYS_HAND_STRUCT* hand, DBLK& blk, std::string const& path,
                         std::mt19937_64& rng, StreamSink const* sink) {
   ReadOutcome out;
+  note_step("reading '" + path + "'");
   _FILE_HAND_STRUCT* obj = nullptr;
   FS_STATUS const opened = FS_OpenObj(hand, &obj, &blk, FS_READ);
   if (opened == FS_STATUS_EXT_ERROR || opened == FS_ERR_OBJ_ACCESS_DENIED) {

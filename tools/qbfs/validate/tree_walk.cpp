@@ -5,6 +5,7 @@
 
 #include <qbfsys/name_pool.h>
 
+#include "isolated_check.h"
 #include "layer_harness.h"
 
 namespace qbfs::validate {
@@ -69,6 +70,7 @@ struct Walker {
   }
 
   std::string list(std::string const& dir, unsigned depth) {
+    note_step("listing '" + dir + "'");
     auto blk = std::make_unique<DBLK>();
     FS_STATUS status = job::find_first(hand, blk.get(), nullptr);
     std::string problem;
