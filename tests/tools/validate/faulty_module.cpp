@@ -23,6 +23,10 @@
 #define kFaultCrashAttach 4    // attach writes through a null pointer
 #define kFaultHangFind 5       // find-drives never returns
 #define kFaultLeakAttach 6     // every attach allocates what detach never frees
+#define kFaultBadIndex 7       // its table names index 60
+#define kFaultUnpairedSlot 8   // attaches but leaves DetachDLE empty
+#define kFaultOddStatus 9      // a read fails with a status the layer does not define
+#define kFaultPathNoRoom 10    // GetCurrentPath writes whatever room it is given
 
 namespace {
 
@@ -33,6 +37,8 @@ constexpr std::uint32_t kLiedSize = 400;   // what the lying module delivers
 constexpr std::uint32_t kOverrunBy = 8;
 constexpr std::uint32_t kLeakBytes = 512;
 constexpr int kWrongVersion = 22;
+constexpr int kBadIndex = 60;
+constexpr FS_STATUS kOddStatus = 0xE0001234;
 constexpr wchar_t kFileName[] = L"data.bin";
 constexpr short kRootPathBytes = sizeof(wchar_t);  // one empty component
 
@@ -83,7 +89,7 @@ FS_STATUS change_dir(FSYS_HAND_STRUCT*, wchar_t* path, short size) {
   return size == kRootPathBytes && path[0] == L'\0' ? FS_SUCCESS : FS_ERR_NOT_SUPPORTED;
 }
 FS_STATUS current_path(FSYS_HAND_STRUCT*, wchar_t* path, short* size) {
-  if (*size < kRootPathBytes) {
+  if (*size < kRootPathBytes && QBV_FAULT != kFaultPathNoRoom) {
     *size = kRootPathBytes;
     return FS_ERR_OBJ_NO_DATA;
   }
@@ -113,6 +119,7 @@ FS_STATUS read_obj(_FILE_HAND_STRUCT* hand, unsigned char* buffer, unsigned int*
     return FS_SUCCESS;
   }
   if (obj->sent == total) return FS_ERR_OBJ_NO_DATA;
+  if (QBV_FAULT == kFaultOddStatus) return kOddStatus;
   std::uint32_t const n = total - obj->sent < room ? total - obj->sent : room;
   std::memset(buffer, 'q', n);
   obj->sent += n;
@@ -138,7 +145,7 @@ FS_MODULE_EXPORT int GetTable(int n, unsigned int, _FUNC_LIST* out, int* index) 
   t.FindDrives = find_drives;
   t.RemoveDLE = GEN_RemoveDLE;
   t.AttachToDLE = attach;
-  t.DetachDLE = detach;
+  t.DetachDLE = QBV_FAULT == kFaultUnpairedSlot ? nullptr : detach;
   t.FindFirstObj = find_first;
   t.FindNextObj = find_next;
   t.FindObjClose = find_close;
@@ -151,6 +158,6 @@ FS_MODULE_EXPORT int GetTable(int n, unsigned int, _FUNC_LIST* out, int* index) 
   t.ReadObj = read_obj;
   t.CloseObj = close_obj;
   *out = t;
-  *index = kIndex;
+  *index = QBV_FAULT == kFaultBadIndex ? kBadIndex : kIndex;
   return 1;
 }

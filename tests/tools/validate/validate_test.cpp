@@ -66,6 +66,10 @@ FaultCase const kFaults[] = {
     // Shutting down builds the tree first, so it meets the hang too.
     {"qbv_hang_find", "find-drives shut-down", "did not finish within 2 s"},
     {"qbv_leak_attach", "attach-leaks", "the heap grew by"},
+    {"qbv_bad_index", "tables", "call 0 gave index 60; expected 0 to 50"},
+    {"qbv_unpaired_slot", "slots", "AttachToDLE (slot 15) is filled but DetachDLE (slot 16) is empty"},
+    {"qbv_odd_status", "read-framing", "a read returned 0xE0001234; expected 0"},
+    {"qbv_path_no_room", "null-arguments", "GetCurrentPath with 0 bytes of room returned 0x00000000"},
 };
 
 TEST(QbfsValidate, EachFaultIsReportedByTheCheckItBreaks) {
