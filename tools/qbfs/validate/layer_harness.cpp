@@ -128,7 +128,8 @@ FSYS_HAND_STRUCT* attach_element(LayerHarness& harness, GENERIC_DLE* dle, std::s
   FS_STATUS const status = FS_AttachToDLE(&hand, dle, harness.cfg(), nullptr, nullptr, 0, 0,
                                           nullptr, nullptr, 0, nullptr, false);
   if (status == FS_SUCCESS) return hand;
-  problem = "attach to " + element_name(dle) + " returned " + status_text(status);
+  problem = "attach to " + element_name(dle) + " returned " + status_text(status) +
+            "; expected 0x00000000";
   if (hand != nullptr) FS_DetachDLE(hand);
   return nullptr;
 }
