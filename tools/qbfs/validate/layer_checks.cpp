@@ -123,7 +123,7 @@ CheckResult check_attach_leaks(ValidateOptions const& options) {
   std::string why_not;
   if (!started_with_elements(harness, why_not)) return skipped(why_not);
   std::vector<GENERIC_DLE*> const targets = harness.attach_targets();
-  for (unsigned cycle = 0; cycle < kWarmUpCycles; ++cycle)
+  for (unsigned cycle = 0; cycle < options.attach_cycles; ++cycle)
     for (GENERIC_DLE* dle : targets)
       if (!attach_once(harness, dle).empty()) return skipped("attach or detach fails (see attach-detach)");
   std::size_t const heap_before = qbhost::heap_bytes_in_use();

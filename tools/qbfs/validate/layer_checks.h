@@ -11,9 +11,6 @@ namespace qbfs::validate {
 // Heap bytes a run of attach/detach cycles may leave behind without being
 // called a leak: one-time caches of the layer or the C library.
 constexpr std::size_t kLeakSlackBytes = 256;
-// Cycles run before the counters are read, so that first-use allocations
-// (caches, lazily built tables) are not counted.
-constexpr unsigned kWarmUpCycles = 2;
 
 // start-up: FS_InitFileSys returns 0 and every index the module delivered
 // keeps its table (its InitFileSys succeeded).
@@ -24,8 +21,11 @@ CheckResult check_find_drives(ValidateOptions const& options);
 // attach-detach: every attach target attaches (0) and detaches (0)
 // options.attach_cycles times, leaving its attach count at 0.
 CheckResult check_attach_detach(ValidateOptions const& options);
-// attach-leaks: the same cycles leave the heap and the open descriptors as
-// they found them (host counters, qbhost/heap_counters.h).
+// attach-leaks: the same cycles, run twice; the second round must leave the
+// heap and the open descriptors as it found them (host counters,
+// qbhost/heap_counters.h). The first round fills whatever fills once: the
+// layer's and the allocator's caches, lazily built tables. A leak grows in
+// both rounds.
 CheckResult check_attach_leaks(ValidateOptions const& options);
 // shut-down: FS_DeinitDleList frees the tree through the module and
 // FS_RemoveFileSys de-initialises it, both returning.
