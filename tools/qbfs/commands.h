@@ -19,6 +19,8 @@ struct Options {
 int cmd_modules(Options const& options, int argc, char** argv);
 int cmd_tree(Options const& options, int argc, char** argv);
 int cmd_attach(Options const& options, int argc, char** argv);
+// Conformance check of one module (validate/cmd_validate.cpp).
+int cmd_validate(Options const& options, int argc, char** argv);
 // These two need no started layer.
 int cmd_match(int argc, char** argv);
 int cmd_props(int argc, char** argv);

@@ -38,6 +38,9 @@ constexpr char kUsage[] =
     "  props FILE [PATH]  load a property tree from an XML file (a regular\n"
     "                     file of at most 64 MiB), print it back and answer\n"
     "                     a path query\n"
+    "  validate [--json] [--seed N] [--write DIR] ... MODULE.so\n"
+    "                     check a module against what the layer expects of it,\n"
+    "                     each check in a child process (validate --help)\n"
     "  version            show what was built\n"
     "\n"
     "Options:\n"
@@ -188,6 +191,7 @@ int main(int argc, char** argv) {
   if (command == "modules") return qbfs::cmd_modules(options, sub_argc, sub_argv);
   if (command == "match") return qbfs::cmd_match(sub_argc, sub_argv);
   if (command == "props") return qbfs::cmd_props(sub_argc, sub_argv);
+  if (command == "validate") return qbfs::cmd_validate(options, sub_argc, sub_argv);
   if (command == "version") return version();
   std::fprintf(stderr, "qbfs: unknown command '%s'\n\n%s", command.c_str(), kUsage);
   return 2;

@@ -1,0 +1,196 @@
+#include "layer_harness.h"
+
+#include <cstdio>
+#include <cstring>
+#include <cwchar>
+
+#include <qbfsys/file_hand.h>
+#include <qbfsys/fs_fsh_base.h>
+#include <qbfsys/fs_init.h>
+#include <qbfsys/registry.h>
+#include <qbhost/strings.h>
+
+#include "isolated_check.h"
+
+namespace qbfs::validate {
+namespace {
+
+struct NamedStatus {
+  FS_STATUS status;
+  char const* name;
+};
+#define QBV_STATUS(s) {s, #s}
+constexpr NamedStatus kKnownStatuses[] = {
+    QBV_STATUS(FS_SUCCESS),           QBV_STATUS(FS_STATUS_NONE),
+    QBV_STATUS(FS_STATUS_NO_MORE_DLE), QBV_STATUS(FS_BLK_COMPLETE),
+    QBV_STATUS(FS_STATUS_OBJ_DEFERRED), QBV_STATUS(FS_ERR_NO_MEMORY),
+    QBV_STATUS(FS_ERR_NOT_SUPPORTED), QBV_STATUS(FS_ERR_OBJ_NO_DATA),
+    QBV_STATUS(FS_ERR_RESOLVE_FAILED), QBV_STATUS(FS_ERR_NAME_TOO_LONG),
+    QBV_STATUS(FS_ERR_DLE_UNAVAILABLE), QBV_STATUS(FS_ERR_INIT_FAILED),
+    QBV_STATUS(FS_ERR_PARTIAL_INIT),  QBV_STATUS(FS_ERR_UNIMPLEMENTED),
+    QBV_STATUS(FS_ERR_BAD_PARAMETER), QBV_STATUS(FS_STATUS_EXT_ERROR),
+    QBV_STATUS(FS_ERR_NOT_ATTACHED),  QBV_STATUS(FS_ERR_INVALID_FSYS_ID),
+    QBV_STATUS(FS_ERR_INVALID_HANDLE), QBV_STATUS(FS_ERR_ATTACH_REFUSED),
+    QBV_STATUS(FS_ERR_OBJ_ACCESS_DENIED), QBV_STATUS(FS_ERR_OBJ_INCOMPLETE),
+    QBV_STATUS(FS_ERR_OBJ_OVERRUN),
+};
+#undef QBV_STATUS
+
+void collect(_Q_HEADER const& list, std::vector<unsigned> const& indices,
+             std::vector<GENERIC_DLE*>& out) {
+  for (_Q_ELEM* e = list.q_head; e != nullptr; e = e->q_next) {
+    auto* dle = reinterpret_cast<GENERIC_DLE*>(e);
+    for (unsigned index : indices) {
+      if (DLE_FsysIndex(dle) == index) {
+        out.push_back(dle);
+        break;
+      }
+    }
+    collect(dle->child_q, indices, out);
+  }
+}
+
+}  // namespace
+
+std::wstring wide(std::string const& text) { return wcstring::from_utf8(text.data(), text.size()); }
+
+std::string narrow(wchar_t const* text) { return text ? wcstring(text).to_utf8() : std::string(); }
+
+std::string status_text(FS_STATUS status) {
+  char text[64];
+  for (NamedStatus const& known : kKnownStatuses) {
+    if (known.status == status) {
+      std::snprintf(text, sizeof text, "0x%08X (%s)", status, known.name);
+      return text;
+    }
+  }
+  std::snprintf(text, sizeof text, "0x%08X", status);
+  return text;
+}
+
+bool known_status(FS_STATUS status) {
+  for (NamedStatus const& known : kKnownStatuses)
+    if (known.status == status) return true;
+  return false;
+}
+
+std::string element_name(GENERIC_DLE const* dle) {
+  return dle != nullptr && dle->device_name != nullptr ? "'" + narrow(dle->device_name) + "'"
+                                                       : "(unnamed element)";
+}
+
+std::string last_error_text(FSYS_HAND_STRUCT const* hand) {
+  std::string text;
+  if (hand == nullptr || hand->lastMsg == nullptr) return text;
+  for (wchar_t const* m = hand->lastMsg; *m != L'\0'; m += std::wcslen(m) + 1)
+    text += (text.empty() ? "" : "; ") + narrow(m);
+  return text;
+}
+
+LayerHarness::LayerHarness(ValidateOptions const& options, std::wstring const& extra_root)
+    : options_(options), roots_(options.roots) {
+  if (!extra_root.empty()) roots_.push_back(extra_root);
+  for (auto const& r : roots_) root_ptrs_.push_back(r.c_str());
+  root_ptrs_.push_back(nullptr);
+  cfg_.drive_scan_flag = options.drive_scan ? 1u : 0u;
+  cfg_.roots = roots_.empty() ? nullptr : root_ptrs_.data();
+  std::wstring const module = wide(options.module);
+  wchar_t const* names[] = {module.c_str(), nullptr};
+  note_step("start-up (FS_InitFileSys: the module's GetTable and InitFileSys)");
+  start_status_ = FS_InitFileSys(&cfg_, ~0ull, names, 1);
+  for (unsigned i = 0; i < FS_MAX_FSYS; ++i)
+    if (dlls[i] && dlls[i]->name == module) indices_.push_back(i);
+}
+
+FS_STATUS LayerHarness::find_drives() {
+  note_step("finding drives (FS_InitDleList: the module's FindDrives)");
+  return FS_InitDleList(&head_, &cfg_);
+}
+
+std::vector<GENERIC_DLE*> LayerHarness::module_elements() const {
+  std::vector<GENERIC_DLE*> out;
+  if (head_ != nullptr) collect(head_->dle_q, indices_, out);
+  return out;
+}
+
+std::vector<GENERIC_DLE*> LayerHarness::attach_targets() const {
+  std::vector<GENERIC_DLE*> out;
+  for (GENERIC_DLE* dle : module_elements()) {
+    if (out.size() >= options_.max_elements) break;
+    if (dle->child_q.q_count == 0) out.push_back(dle);
+  }
+  return out;
+}
+
+FSYS_HAND_STRUCT* attach_element(LayerHarness& harness, GENERIC_DLE* dle, std::string& problem) {
+  note_step("attach to " + element_name(dle));
+  FSYS_HAND_STRUCT* hand = nullptr;
+  FS_STATUS const status = FS_AttachToDLE(&hand, dle, harness.cfg(), nullptr, nullptr, 0, 0,
+                                          nullptr, nullptr, 0, nullptr, false);
+  if (status == FS_SUCCESS) return hand;
+  problem = "attach to " + element_name(dle) + " returned " + status_text(status) +
+            "; expected 0x00000000";
+  if (hand != nullptr) FS_DetachDLE(hand);
+  return nullptr;
+}
+
+bool ready_to_walk(LayerHarness& harness, std::string& why_not) {
+  if (harness.indices().empty()) {
+    why_not = "start-up left no file system of the module";
+    return false;
+  }
+  harness.find_drives();
+  std::vector<GENERIC_DLE*> const targets = harness.attach_targets();
+  if (targets.empty()) {
+    why_not = "the module found no element to attach to";
+    return false;
+  }
+  std::string problem;
+  FSYS_HAND_STRUCT* hand = attach_element(harness, targets.front(), problem);
+  if (hand == nullptr) {
+    why_not = "attaching fails (see attach-detach)";
+    return false;
+  }
+  bool const walks = job::can_walk(hand);
+  FS_DetachDLE(hand);
+  if (!walks) why_not = "the module offers no walking slots (FindFirstObj, FindNextObj)";
+  return walks;
+}
+
+namespace job {
+
+// The layer's dispatch for handle operations: the adapter when set, else the
+// table's slot, else "not offered".
+#define QBV_DISPATCH(slot, ...)                                              \
+  if (hand->adapter != nullptr) return hand->adapter->slot(__VA_ARGS__);     \
+  if (hand->funcTable != nullptr && hand->funcTable->slot != nullptr)        \
+    return hand->funcTable->slot(__VA_ARGS__);                               \
+  return FS_ERR_UNIMPLEMENTED
+
+bool can_walk(FSYS_HAND_STRUCT const* hand) {
+  return hand->adapter != nullptr ||
+         (hand->funcTable != nullptr && hand->funcTable->FindFirstObj != nullptr &&
+          hand->funcTable->FindNextObj != nullptr);
+}
+FS_STATUS find_first(FSYS_HAND_STRUCT* hand, DBLK* blk, wchar_t* spec) {
+  QBV_DISPATCH(FindFirstObj, hand, blk, spec, 0);
+}
+FS_STATUS find_next(FSYS_HAND_STRUCT* hand, DBLK* blk) { QBV_DISPATCH(FindNextObj, hand, blk); }
+FS_STATUS find_close(FSYS_HAND_STRUCT* hand, DBLK* blk) { QBV_DISPATCH(FindObjClose, hand, blk); }
+FS_STATUS change_into(FSYS_HAND_STRUCT* hand, DBLK* blk) { QBV_DISPATCH(ChangeIntoDDB, hand, blk); }
+FS_STATUS change_up(FSYS_HAND_STRUCT* hand) { QBV_DISPATCH(ChangeDirUp, hand); }
+FS_STATUS change_dir(FSYS_HAND_STRUCT* hand, wchar_t* path, short size) {
+  QBV_DISPATCH(ChangeDir, hand, path, size);
+}
+FS_STATUS current_path(FSYS_HAND_STRUCT* hand, wchar_t* path, short* size) {
+  QBV_DISPATCH(GetCurrentPath, hand, path, size);
+}
+FS_STATUS release_blk(FSYS_HAND_STRUCT* hand, DBLK* blk) { QBV_DISPATCH(ReleaseBlk, hand, blk); }
+FS_STATUS create_obj(FSYS_HAND_STRUCT* hand, DBLK* blk, RESTORE_SEMANTICS semantics) {
+  QBV_DISPATCH(CreateObj, hand, blk, nullptr, semantics);
+}
+#undef QBV_DISPATCH
+
+}  // namespace job
+
+}  // namespace qbfs::validate
