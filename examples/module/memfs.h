@@ -44,8 +44,15 @@ Node const& memfs_root();
 
 // What an attached handle keeps (FSYS_HAND_STRUCT::fsysData).
 struct HandleState {
-  std::vector<Node const*> path;   // from the root to the current directory
-  std::size_t cursor = 0;          // the next entry of the current listing
+  // From the root to the current directory, each with the next entry of
+  // its listing: a caller may enter a directory it found, list it, come
+  // back up and go on with the listing above.
+  struct Level {
+    Node const* dir;
+    std::size_t cursor;
+    std::wstring spec;  // what the listing hands out ("*": everything)
+  };
+  std::vector<Level> path;
   std::set<void const*> names;     // name elements this module put in blocks
 };
 HandleState* memfs_state(FSYS_HAND_STRUCT* fsh);

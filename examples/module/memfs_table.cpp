@@ -11,6 +11,8 @@ FS_STATUS memfs_deinit() { return FS_SUCCESS; }
 
 }  // namespace memfs
 
+FS_MODULE_EXPORT int GetInterfaceVersion() { return FS_MODULE_INTERFACE_VERSION; }
+
 FS_MODULE_EXPORT int GetTable(int n, unsigned int, _FUNC_LIST* out, int* index) {
   using namespace memfs;
   if (n != 0 || out == nullptr || index == nullptr) return 0;

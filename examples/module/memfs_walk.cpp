@@ -3,9 +3,9 @@
 //
 // Paths are in the layer's component form: each component ended by a NUL,
 // `size` bytes with the last terminator; the root alone is one empty
-// component (4 bytes). A listing hands out every entry of the current
-// directory (the module ignores the specification: a module that filters
-// would match it with FS_CompareFileSpec) and ends with FS_STATUS_NONE.
+// component (4 bytes). A listing hands out the entries of the current
+// directory whose names match the specification (FS_CompareFileSpec, case
+// sensitive; null or "*" for every entry) and ends with FS_STATUS_NONE.
 #include <cstring>
 #include <cwchar>
 
@@ -15,6 +15,17 @@ namespace memfs {
 namespace {
 
 constexpr std::size_t kWide = sizeof(wchar_t);
+
+constexpr int kCaseSensitive = 1;
+constexpr int kWholeName = 0;
+constexpr int kClassicRules = 0;
+
+bool matches(std::wstring spec, std::wstring name) {
+  if (spec == L"*") return true;
+  return FS_CompareFileSpec(&name[0], static_cast<short>(name.size() + 1), &spec[0],
+                            static_cast<short>(spec.size() + 1), kCaseSensitive, kWholeName,
+                            kClassicRules) == FS_SPEC_MATCH;
+}
 
 Node const* child_named(Node const& dir, std::wstring const& name) {
   for (Node const& child : dir.children)
@@ -51,25 +62,24 @@ Node const* memfs_entry_of(HandleState const& state, DBLK const* blk) {
   if (blk == nullptr || blk->os_name == nullptr || blk->os_name->buffer == nullptr) return nullptr;
   auto const* name = reinterpret_cast<wchar_t const*>(blk->os_name->buffer);
   std::size_t const chars = blk->os_name->size / kWide;
-  return child_named(*state.path.back(), std::wstring(name, wcsnlen(name, chars)));
+  return child_named(*state.path.back().dir, std::wstring(name, wcsnlen(name, chars)));
 }
 
 FS_STATUS memfs_change_dir(FSYS_HAND_STRUCT* fsh, wchar_t* path, short size) {
   HandleState* state = memfs_state(fsh);
   if (state == nullptr || path == nullptr || size < static_cast<short>(kWide)) return FS_ERR_BAD_PARAMETER;
-  std::vector<Node const*> walk{&memfs_root()};
+  std::vector<HandleState::Level> walk{{&memfs_root(), 0, L"*"}};
   std::size_t const chars = static_cast<std::size_t>(size) / kWide;
   for (std::size_t at = 0; at < chars;) {
     std::size_t const end = wcsnlen(path + at, chars - at) + at;
     if (end > at) {
-      Node const* next = child_named(*walk.back(), std::wstring(path + at, end - at));
+      Node const* next = child_named(*walk.back().dir, std::wstring(path + at, end - at));
       if (next == nullptr || !next->directory) return FS_ERR_NOT_SUPPORTED;
-      walk.push_back(next);
+      walk.push_back({next, 0, L"*"});
     }
     at = end + 1;
   }
   state->path = walk;
-  state->cursor = 0;
   return FS_SUCCESS;
 }
 
@@ -78,8 +88,7 @@ FS_STATUS memfs_change_into_ddb(FSYS_HAND_STRUCT* fsh, DBLK* blk) {
   if (state == nullptr) return FS_ERR_BAD_PARAMETER;
   Node const* entry = memfs_entry_of(*state, blk);
   if (entry == nullptr || !entry->directory) return FS_ERR_NOT_SUPPORTED;
-  state->path.push_back(entry);
-  state->cursor = 0;
+  state->path.push_back({entry, 0, L"*"});
   return FS_SUCCESS;
 }
 
@@ -88,7 +97,6 @@ FS_STATUS memfs_change_dir_up(FSYS_HAND_STRUCT* fsh) {
   if (state == nullptr) return FS_ERR_BAD_PARAMETER;
   if (state->path.size() == 1) return FS_ERR_NOT_SUPPORTED;  // at the root
   state->path.pop_back();
-  state->cursor = 0;
   return FS_SUCCESS;
 }
 
@@ -96,7 +104,7 @@ FS_STATUS memfs_get_current_path(FSYS_HAND_STRUCT* fsh, wchar_t* path, short* si
   HandleState* state = memfs_state(fsh);
   if (state == nullptr || path == nullptr || size == nullptr) return FS_ERR_BAD_PARAMETER;
   std::wstring form;
-  for (std::size_t i = 1; i < state->path.size(); ++i) form += state->path[i]->name + L'\0';
+  for (std::size_t i = 1; i < state->path.size(); ++i) form += state->path[i].dir->name + L'\0';
   if (form.empty()) form.push_back(L'\0');
   std::size_t const bytes = form.size() * kWide;
   if (*size < 0 || bytes > static_cast<std::size_t>(*size)) {
@@ -108,24 +116,30 @@ FS_STATUS memfs_get_current_path(FSYS_HAND_STRUCT* fsh, wchar_t* path, short* si
   return FS_SUCCESS;
 }
 
-FS_STATUS memfs_find_first(FSYS_HAND_STRUCT* fsh, DBLK* blk, wchar_t*, unsigned short) {
+FS_STATUS memfs_find_first(FSYS_HAND_STRUCT* fsh, DBLK* blk, wchar_t* spec, unsigned short) {
   HandleState* state = memfs_state(fsh);
   if (state == nullptr || blk == nullptr) return FS_ERR_BAD_PARAMETER;
-  state->cursor = 0;
+  HandleState::Level& level = state->path.back();
+  level.cursor = 0;
+  level.spec = spec != nullptr && spec[0] != L'\0' ? spec : L"*";
   return memfs_find_next(fsh, blk);
 }
 
 FS_STATUS memfs_find_next(FSYS_HAND_STRUCT* fsh, DBLK* blk) {
   HandleState* state = memfs_state(fsh);
   if (state == nullptr || blk == nullptr) return FS_ERR_BAD_PARAMETER;
-  std::vector<Node> const& entries = state->path.back()->children;
-  if (state->cursor >= entries.size()) return FS_STATUS_NONE;
-  return fill_block(fsh, *state, blk, entries[state->cursor++]);
+  HandleState::Level& level = state->path.back();
+  std::vector<Node> const& entries = level.dir->children;
+  while (level.cursor < entries.size()) {
+    Node const& entry = entries[level.cursor++];
+    if (matches(level.spec, entry.name)) return fill_block(fsh, *state, blk, entry);
+  }
+  return FS_STATUS_NONE;
 }
 
 FS_STATUS memfs_find_close(FSYS_HAND_STRUCT* fsh, DBLK*) {
   HandleState* state = memfs_state(fsh);
-  if (state != nullptr) state->cursor = 0;
+  if (state != nullptr) state->path.back().cursor = 0;
   return FS_SUCCESS;
 }
 

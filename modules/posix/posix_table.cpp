@@ -44,6 +44,8 @@ FS_STATUS posix_deinit_file_sys() { return FS_SUCCESS; }
 
 }  // namespace qbposix
 
+FS_MODULE_EXPORT int GetInterfaceVersion() { return FS_MODULE_INTERFACE_VERSION; }
+
 FS_MODULE_EXPORT int GetTable(int n, unsigned int, _FUNC_LIST* out, int* index) {
   using namespace qbposix;
   if (n != 0 || out == nullptr || index == nullptr) return 0;
