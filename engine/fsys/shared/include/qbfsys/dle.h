@@ -152,8 +152,9 @@ static_assert(offsetof(HEAD_DLE, dle_q) == 0, "a head is also its top-level queu
 // The elements stay the tree's.
 // The first top-level element of the tree (null head: the end).
 FS_EXPORT FS_STATUS DLE_GetFirst(HEAD_DLE* head, GENERIC_DLE** out, bool includeHidden);
-// The sibling after / before `*cursor` (a null cursor: the end).
+// The sibling after `*cursor` (a null cursor: the end).
 FS_EXPORT FS_STATUS DLE_GetNext(GENERIC_DLE** cursor, bool includeHidden);
+// The sibling before `*cursor` (a null cursor: the end).
 FS_EXPORT FS_STATUS DLE_GetPrev(GENERIC_DLE** cursor, bool includeHidden);
 // The first child of `parent` (a null parent: the end).
 FS_EXPORT FS_STATUS DLE_GetFirstChild(GENERIC_DLE* parent, GENERIC_DLE** out, bool includeHidden);
@@ -178,6 +179,8 @@ FS_EXPORT FS_STATUS DLE_FindByName(HEAD_DLE* head, wchar_t const* name, short ty
 // FS_ERR_NOT_SUPPORTED for no match, a null head or a null name.
 FS_EXPORT FS_STATUS DLE_FindPdiByName(HEAD_DLE* head, wchar_t const* name, short ignored,
                                       GENERIC_DLE** out);
+// The same, also requiring the secondary name to equal `secondName` when
+// that is given; statuses as above.
 FS_EXPORT FS_STATUS DLE_FindPdiByName(HEAD_DLE* head, wchar_t const* name,
                                       wchar_t const* secondName, short ignored, GENERIC_DLE** out);
 
@@ -225,6 +228,7 @@ FS_EXPORT FS_STATUS DLE_Remove(HEAD_DLE* head, GENERIC_DLE* dle);
 // DLE_STATUS_MAYBE_REMOTE: such a machine element is treated as another
 // machine's, whose unusable children CheckChildren marks unavailable.
 FS_EXPORT bool FS_IsLocalMachine(wcstring const& name);
+// 1 unless the element carries DLE_STATUS_MAYBE_REMOTE (then 0); 0 for null.
 FS_EXPORT std::uint32_t FS_IsLocalDLE(GENERIC_DLE* dle);
 
 // ---- creating and freeing elements (for modules) --------------------------

@@ -28,6 +28,8 @@
 constexpr int FS_FSHGEN_LINE_BASE = 1000;
 constexpr int FS_FSHLEGACY_LINE_BASE = 2000;
 
+// The generic adapter: fixed answers, guarded GEN operations, and
+// FS_ERR_UNIMPLEMENTED for what only a file system can do (see above).
 class FS_EXPORT FS_FshGen : public FS_FshBase {
  public:
   FS_FshGen() = default;

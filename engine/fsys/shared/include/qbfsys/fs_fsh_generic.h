@@ -21,6 +21,8 @@
 #pragma once
 #include <qbfsys/fs_fsh_legacy.h>
 
+// The adapter GEN_OpenSys installs: FS_FshLegacy's forwarding, plus the
+// block description above.
 class FS_EXPORT FS_FshGeneric : public FS_FshLegacy {
  public:
   FS_FshGeneric() = default;

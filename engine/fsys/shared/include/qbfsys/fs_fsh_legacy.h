@@ -17,6 +17,8 @@
 #pragma once
 #include <qbfsys/fs_fsh_gen.h>
 
+// The forwarding adapter: each operation goes to the handle's table slot,
+// guarded or not as described above.
 class FS_EXPORT FS_FshLegacy : public FS_FshGen {
  public:
   FS_FshLegacy() = default;

@@ -27,19 +27,22 @@ FS_EXPORT void GEN_FlushDLEs(HEAD_DLE* head, unsigned char fsIndex);
 // accepted (the fields live in the block); a null block or output is
 // refused with FS_ERR_BAD_PARAMETER.
 
-// Attribute words 1 and 2. Return 0.
+// Attribute word 1. Returns 0.
 FS_EXPORT FS_STATUS GEN_ModAttrib1DBLK(FSYS_HAND_STRUCT* hand, int direction, DBLK* blk,
                                        unsigned int* word);
+// Attribute word 2. Returns 0.
 FS_EXPORT FS_STATUS GEN_ModAttrib2DBLK(FSYS_HAND_STRUCT* hand, int direction, DBLK* blk,
                                        unsigned int* word);
 // The display size, low 32 bits (the result is a status word); 0 for null.
 FS_EXPORT FS_STATUS GEN_GetDisplaySizeDBLK(FSYS_HAND_STRUCT* hand, DBLK* blk);
-// Copy the creation or modification date out. Return 0.
+// Copies the creation date out. Returns 0.
 FS_EXPORT FS_STATUS GEN_GetCdateDBLK(FSYS_HAND_STRUCT* hand, DBLK* blk, _DATE_TIME* date);
+// Copies the modification date out. Returns 0.
 FS_EXPORT FS_STATUS GEN_GetMdateDBLK(FSYS_HAND_STRUCT* hand, DBLK* blk, _DATE_TIME* date);
-// Read or write the backup or access date. Return 0.
+// Reads or writes the backup date. Returns 0.
 FS_EXPORT FS_STATUS GEN_ModBdateDBLK(FSYS_HAND_STRUCT* hand, int direction, DBLK* blk,
                                      _DATE_TIME* date);
+// Reads or writes the access date. Returns 0.
 FS_EXPORT FS_STATUS GEN_ModAdateDBLK(FSYS_HAND_STRUCT* hand, int direction, DBLK* blk,
                                      _DATE_TIME* date);
 // Stores file version 0. Returns 0.
@@ -91,6 +94,7 @@ FS_EXPORT FS_STATUS GEN_CompleteBlk(FSYS_HAND_STRUCT* hand, DBLK* blk, unsigned 
 // null handle, data or destination. Whatever elements the block got stay
 // with it; release them with GEN_ReleaseBlk.
 FS_EXPORT FS_STATUS GEN_CreateFDB(FSYS_HAND_STRUCT* hand, _GEN_DBLK_DATA* data);
+// The same for a directory block (kind 8); statuses and ownership as above.
 FS_EXPORT FS_STATUS GEN_CreateDDB(FSYS_HAND_STRUCT* hand, _GEN_DBLK_DATA* data);
 // Kind 8 builds a directory block, kind 9 a file block, from request->gen;
 // the destination is request->gen.dblk, or request->dblk when that is null.
@@ -113,7 +117,9 @@ FS_EXPORT FS_STATUS GEN_ReleaseBlk(FSYS_HAND_STRUCT* hand, DBLK* blk);
 // creator of these kinds does; FS_ERR_BAD_PARAMETER for a null request or
 // destination.
 FS_EXPORT FS_STATUS FS_CreateGenUDB(FSYS_HAND_STRUCT* hand, _CREATE_DBLK* request);
+// The end-of-data block (kind 17) from request->mark; as above.
 FS_EXPORT FS_STATUS FS_CreateGenEODB(FSYS_HAND_STRUCT* hand, _CREATE_DBLK* request);
+// The corrupt-file block (kind 11) from request->cfdb; as above.
 FS_EXPORT FS_STATUS FS_CreateGenCFDB(FSYS_HAND_STRUCT* hand, _CREATE_DBLK* request);
 
 // ---- names -------------------------------------------------------------------
