@@ -15,7 +15,11 @@ namespace {
 
 constexpr std::uint32_t kNoState = UINT32_MAX;
 constexpr std::uint32_t kRoot = 0;
-constexpr std::uint16_t kOtherClass = 0;
+constexpr std::uint32_t kOtherClass = 0;
+// A hostile list (long anchors of thousands of distinct characters) would
+// make the full transition table huge; past this many entries the anchored
+// patterns are compared with every path instead, as without an index.
+constexpr std::size_t kMostTableEntries = std::size_t{1} << 22;
 constexpr std::size_t kNarrowChars = UCHAR_MAX + 1;
 constexpr int kCaseInsensitive = 0;
 constexpr int kWholeName = 0;
@@ -108,16 +112,27 @@ RuleIndex::RuleIndex(std::vector<Pattern> patterns, qbfsys::filespec::Folder con
   }
   prefix_begin_.push_back(static_cast<std::uint32_t>(prefix_ordinals_.size()));
 
+  std::size_t anchor_chars = 0;
+  std::vector<wchar_t> distinct;
+  for (std::wstring const& anchor : anchors) {
+    anchor_chars += anchor.size();
+    distinct.insert(distinct.end(), anchor.begin(), anchor.end());
+  }
+  std::sort(distinct.begin(), distinct.end());
+  distinct.erase(std::unique(distinct.begin(), distinct.end()), distinct.end());
+  if ((anchor_chars + 1) * (distinct.size() + 1) > kMostTableEntries)
+    for (std::wstring& anchor : anchors) anchor.clear();
+
   // Classes for the anchors' characters.
   for (std::wstring const& anchor : anchors) {
     for (wchar_t c : anchor) {
       if (char_class(c) != kOtherClass) continue;
-      auto const cls = static_cast<std::uint16_t>(classes_++);
+      std::uint32_t const cls = classes_++;
       if (c >= 0 && static_cast<std::size_t>(c) < kNarrowChars) {
         narrow_class_[static_cast<std::size_t>(c)] = cls;
       } else {
         wide_class_.insert(std::upper_bound(wide_class_.begin(), wide_class_.end(),
-                                            std::make_pair(c, std::uint16_t{0})),
+                                            std::make_pair(c, std::uint32_t{0})),
                            {c, cls});
       }
     }
@@ -186,7 +201,7 @@ std::uint32_t RuleIndex::char_class(wchar_t folded) const noexcept {
   if (folded >= 0 && static_cast<std::size_t>(folded) < kNarrowChars)
     return narrow_class_[static_cast<std::size_t>(folded)];
   auto const found = std::lower_bound(wide_class_.begin(), wide_class_.end(),
-                                      std::make_pair(folded, std::uint16_t{0}));
+                                      std::make_pair(folded, std::uint32_t{0}));
   return found != wide_class_.end() && found->first == folded ? found->second : kOtherClass;
 }
 

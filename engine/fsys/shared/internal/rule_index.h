@@ -65,8 +65,8 @@ class RuleIndex {
   qbfsys::filespec::Folder table_;
   // Anchor characters are mapped to classes 1..n; class 0 is every other
   // character. Characters up to 255 through a table, the rest by search.
-  std::vector<std::uint16_t> narrow_class_;
-  std::vector<std::pair<wchar_t, std::uint16_t>> wide_class_;  // sorted
+  std::vector<std::uint32_t> narrow_class_;
+  std::vector<std::pair<wchar_t, std::uint32_t>> wide_class_;  // sorted
   std::uint32_t classes_ = 1;
   // The automaton as a full transition table: next_[state * classes_ + c].
   std::vector<std::uint32_t> next_;

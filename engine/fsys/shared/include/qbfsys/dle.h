@@ -123,10 +123,13 @@ struct GENERIC_DLE {
   DLE_SPEC_PATTERN* exclude_patterns;   // owned list
   DLE_EXCLUDE_PATHS* exclude_paths;     // owned, may be null
   DLE_AGENT_WARNINGS* agent_warnings;   // owned, may be null
-  DLE_RULE_INDEX* exclude_index;        // owned, may be null
-  DLE_RULE_INDEX* warning_index;        // owned, may be null
 
   DLE_FSYS_DATA* fsys_data;         // owned by the file system, freed with the element
+
+  // The layer's indexes over the patterns above, built on first lookup.
+  // Kept last so that the fields modules read keep their places.
+  DLE_RULE_INDEX* exclude_index;        // owned, may be null
+  DLE_RULE_INDEX* warning_index;        // owned, may be null
 };
 
 static_assert(offsetof(GENERIC_DLE, q) == 0, "a DLE pointer is its queue element");
