@@ -29,8 +29,11 @@ constexpr int kCaseSensitive = 1;                  // names on Linux differ by c
 constexpr int kWholeName = 0;                      // no partial matches
 constexpr int kClassicRules = 0;                   // FS_CompareFileSpec flags: none
 
-bool matches(std::wstring const& spec, std::wstring name) {
+// Takes the name's bytes so that a listing of everything (the usual case)
+// does not decode each name once here and again when its block is filled.
+bool matches(std::wstring const& spec, std::string const& bytes) {
   if (spec.empty() || spec == L"*") return true;
+  std::wstring name = posix_decode_name(bytes);
   std::wstring pattern = spec;
   return FS_CompareFileSpec(&name[0], static_cast<short>(name.size()), &pattern[0],
                             static_cast<short>(pattern.size()), kCaseSensitive, kWholeName,
@@ -62,7 +65,7 @@ FS_STATUS posix_find_next_obj(FSYS_HAND_STRUCT* fsh, DBLK* blk) {
     level.entry_at += entry->d_reclen;
     std::string const name = entry->d_name;
     if (name == "." || name == "..") continue;
-    if (!matches(level.spec, posix_decode_name(name))) continue;
+    if (!matches(level.spec, name)) continue;
     struct stat st {};
     if (fstatat(level.fd, name.c_str(), &st, AT_SYMLINK_NOFOLLOW) != 0) {
       posix_note(errno, posix_display_path(*state, name),

@@ -87,20 +87,26 @@ int posix_apply_metadata(int dirfd, std::string const& name, int fd, POSIX_OS_IN
   std::string const path = fd >= 0 ? std::string() : proc_path(dirfd, name);
   bool const is_link = S_ISLNK(info.mode);
 
+  // The owner goes first: a change of owner makes the kernel drop a
+  // non-directory's security.capability, so attributes set before it would
+  // be lost.
+  if (privileged) {
+    int const rc = fd >= 0 ? fchown(fd, info.uid, info.gid)
+                           : fchownat(dirfd, name.c_str(), info.uid, info.gid, AT_SYMLINK_NOFOLLOW);
+    if (rc != 0) failed(L"owner could not be set");
+  }
   for (PosixXattr const& x : xattrs) {
     int const rc = fd >= 0
                        ? fsetxattr(fd, x.name.c_str(), x.value.data(), x.value.size(), 0)
                        : lsetxattr(path.c_str(), x.name.c_str(), x.value.data(), x.value.size(), 0);
     if (rc != 0) failed(L"extended attribute could not be set");
   }
-  if (privileged) {
-    int const rc = fd >= 0 ? fchown(fd, info.uid, info.gid)
-                           : fchownat(dirfd, name.c_str(), info.uid, info.gid, AT_SYMLINK_NOFOLLOW);
-    if (rc != 0) failed(L"owner could not be set");
-  }
   if (!is_link) {
     mode_t const mode = static_cast<mode_t>(info.mode) & kPermissionBits;
-    int const rc = fd >= 0 ? fchmod(fd, mode) : fchmodat(dirfd, name.c_str(), mode, 0);
+    // Not following a link: if the name was swapped for one since the
+    // object was made, the change fails instead of reaching the link's target.
+    int const rc = fd >= 0 ? fchmod(fd, mode)
+                           : fchmodat(dirfd, name.c_str(), mode, AT_SYMLINK_NOFOLLOW);
     if (rc != 0) failed(L"mode could not be set");
   }
   struct timespec const times[2] = {{info.atime_sec, static_cast<long>(info.atime_nsec)},

@@ -15,9 +15,10 @@ namespace qbposix {
 // failed call.
 int posix_read_xattrs(int dirfd, std::string const& name, int fd, std::vector<PosixXattr>& out);
 
-// Sets the metadata of a restored object, in this order: extended
-// attributes; owner and group when `privileged` (a change of owner clears
-// setuid and setgid, so it comes before the mode); the mode with its
+// Sets the metadata of a restored object, in this order: owner and group
+// when `privileged` (a change of owner clears setuid, setgid and file
+// capabilities, so it comes before the mode and the extended attributes);
+// extended attributes; the mode with its
 // setuid, setgid and sticky bits (not for symbolic links, which have none);
 // access and modification times to the nanosecond. The object is the open
 // descriptor `fd`, or `name` in `dirfd` when `fd` is -1 (never followed).

@@ -80,6 +80,11 @@ FS_STATUS fail(PosixObject& obj, int error, wchar_t const* what) {
 }
 
 FS_STATUS make_symlink(PosixObject& obj, std::string const& target) {
+  // Only an object described as a link may become one: the metadata set at
+  // close for any other type (its mode) would follow the new link out of
+  // the restore root.
+  if (!S_ISLNK(obj.info.mode))
+    return fail(obj, EINVAL, L"symbolic link target given for an object that is not a link");
   if (target.empty() || target.find('\0') != std::string::npos)
     return fail(obj, EINVAL, L"symbolic link target is malformed");
   if (symlinkat(target.c_str(), obj.dirfd, obj.name.c_str()) != 0) {
@@ -258,6 +263,9 @@ FS_STATUS posix_write_obj(_FILE_HAND_STRUCT* hand, unsigned char* buffer, unsign
   }
   obj.in_received += n;
   if (!is_short_stream(obj.in_id)) return FS_SUCCESS;  // unknown stream: dropped
+  // One refused at its header as too large is dropped too, so its announced
+  // size cannot make the restore gather it in memory and act on it.
+  if (obj.in_size > POSIX_SHORT_STREAM_MAX) return FS_SUCCESS;
   obj.in_bytes.append(reinterpret_cast<char const*>(buffer), n);
   return obj.in_received == obj.in_size ? complete_short_stream(obj) : FS_SUCCESS;
 }
