@@ -125,7 +125,14 @@ FS_STATUS posix_read_obj(_FILE_HAND_STRUCT* hand, unsigned char* buffer, unsigne
 FS_STATUS posix_write_obj(_FILE_HAND_STRUCT* hand, unsigned char* buffer, unsigned int* size,
                           unsigned int* need, STREAM_INFO* stream);
 FS_STATUS posix_close_obj(_FILE_HAND_STRUCT* hand, void** arg, void** result);
+// A directory block without a stat record (a restore that must make a
+// parent it has no description of) becomes a directory with the process's
+// default permissions and owner, and no metadata is set on it later.
 FS_STATUS posix_create_obj(FSYS_HAND_STRUCT* fsh, DBLK* blk, wchar_t const* name,
                            RESTORE_SEMANTICS semantics);
+// Removes the object the block names from the current directory (a
+// directory only when empty); a restore takes back an object it found
+// damaged. Never follows a link.
+FS_STATUS posix_delete_obj(FSYS_HAND_STRUCT* fsh, DBLK* blk);
 
 }  // namespace qbposix

@@ -73,6 +73,7 @@ FS_MODULE_EXPORT int GetTable(int n, unsigned int, _FUNC_LIST* out, int* index) 
   table.ReadObj = &guarded<&posix_read_obj>::call;
   table.WriteObj = &guarded<&posix_write_obj>::call;
   table.CloseObj = &guarded<&posix_close_obj>::call;
+  table.DeleteObj = &guarded<&posix_delete_obj>::call;
   // blocks of the generic layout
   table.ReleaseBlk = &guarded<&posix_release_blk>::call;
   table.CreateDBLK = &GEN_CreateDBLK;

@@ -32,6 +32,7 @@ namespace {
 
 constexpr mode_t kPrivateFile = 0600;
 constexpr mode_t kPrivateDir = 0700;
+constexpr mode_t kDefaultDir = 0777;  // less the process umask
 constexpr unsigned kNoMinimum = 1;  // `need`: any amount will do
 
 bool is_short_stream(std::uint32_t id) {
@@ -175,7 +176,28 @@ void check_stream_ended(PosixObject& obj) {
   obj.in_id = STRM_INVALID;
 }
 
+FS_STATUS create_plain_directory(FSYS_HAND_STRUCT* fsh, int dirfd, std::string const& name,
+                                 std::wstring const& shown) {
+  int error = clear_way(dirfd, name, S_IFDIR);
+  if (error == EEXIST) return FS_SUCCESS;
+  if (error == 0 && mkdirat(dirfd, name.c_str(), kDefaultDir) != 0) error = errno;
+  return error == 0 ? FS_SUCCESS : posix_report(fsh, error, shown, L"could not be created");
+}
+
 }  // namespace
+
+FS_STATUS posix_delete_obj(FSYS_HAND_STRUCT* fsh, DBLK* blk) {
+  PosixHandleState* state = posix_state(fsh);
+  std::string name;
+  if (state == nullptr || blk == nullptr || !posix_blk_name(blk, name)) return FS_ERR_BAD_PARAMETER;
+  int const dirfd = posix_current_fd(*state);
+  struct stat st {};
+  if (fstatat(dirfd, name.c_str(), &st, AT_SYMLINK_NOFOLLOW) != 0)
+    return errno == ENOENT ? FS_SUCCESS : posix_report(fsh, errno, posix_display_path(*state, name), L"could not be removed");
+  if (unlinkat(dirfd, name.c_str(), S_ISDIR(st.st_mode) ? AT_REMOVEDIR : 0) != 0)
+    return posix_report(fsh, errno, posix_display_path(*state, name), L"could not be removed");
+  return FS_SUCCESS;
+}
 
 FS_STATUS posix_create_obj(FSYS_HAND_STRUCT* fsh, DBLK* blk, wchar_t const* name,
                            RESTORE_SEMANTICS semantics) {
@@ -188,6 +210,8 @@ FS_STATUS posix_create_obj(FSYS_HAND_STRUCT* fsh, DBLK* blk, wchar_t const* name
   POSIX_OS_INFO info{};
   if (state == nullptr || !named) return FS_ERR_BAD_PARAMETER;
   std::wstring const shown = posix_display_path(*state, bytes);
+  if (!posix_blk_info(blk, info) && blk->blk_type == DBLK_KIND_DDB)
+    return create_plain_directory(fsh, posix_current_fd(*state), bytes, shown);
   if (!posix_blk_info(blk, info))
     return posix_report(fsh, EINVAL, shown, L"block carries no stat record to restore from");
   int const dirfd = posix_current_fd(*state);

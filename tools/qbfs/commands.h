@@ -21,6 +21,11 @@ int cmd_tree(Options const& options, int argc, char** argv);
 int cmd_attach(Options const& options, int argc, char** argv);
 // Conformance check of one module (validate/cmd_validate.cpp).
 int cmd_validate(Options const& options, int argc, char** argv);
+// The archive commands (archive/cmd_*.cpp).
+int cmd_backup(Options const& options, int argc, char** argv);
+int cmd_restore(Options const& options, int argc, char** argv);
+int cmd_verify(Options const& options, int argc, char** argv);
+int cmd_ls(int argc, char** argv);
 // These two need no started layer.
 int cmd_match(int argc, char** argv);
 int cmd_props(int argc, char** argv);

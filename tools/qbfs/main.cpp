@@ -25,6 +25,15 @@ constexpr char kUsage[] =
     "Runs the backup agent's file-system layer from the command line.\n"
     "\n"
     "Commands:\n"
+    "  backup SRC... -o ARCHIVE\n"
+    "                     back up directories into an archive ('-' for\n"
+    "                     standard output) (backup --help)\n"
+    "  restore ARCHIVE -C DIR [PATH...]\n"
+    "                     restore an archive, or some paths of it, into DIR\n"
+    "  verify ARCHIVE [--against DIR]\n"
+    "                     check an archive's checksums, and compare it with\n"
+    "                     the directory it came from or was restored to\n"
+    "  ls [-l] ARCHIVE    list the objects of an archive\n"
     "  tree [--brief]     build this machine's tree of backup elements (DLEs)\n"
     "                     and print it\n"
     "  attach PATH        attach to the element that holds a local path,\n"
@@ -184,11 +193,16 @@ int main(int argc, char** argv) {
   std::string command = argv[i];
   int sub_argc = argc - i;
   char** sub_argv = argv + i;
-  bool const starts_layer = command == "tree" || command == "attach" || command == "modules";
+  bool const starts_layer = command == "tree" || command == "attach" || command == "modules" ||
+                            command == "backup" || command == "restore" || command == "verify";
   if (starts_layer && !prepare_modules(options, named_modules, explicit_modules)) return 1;
   if (command == "tree") return qbfs::cmd_tree(options, sub_argc, sub_argv);
   if (command == "attach") return qbfs::cmd_attach(options, sub_argc, sub_argv);
   if (command == "modules") return qbfs::cmd_modules(options, sub_argc, sub_argv);
+  if (command == "backup") return qbfs::cmd_backup(options, sub_argc, sub_argv);
+  if (command == "restore") return qbfs::cmd_restore(options, sub_argc, sub_argv);
+  if (command == "verify") return qbfs::cmd_verify(options, sub_argc, sub_argv);
+  if (command == "ls") return qbfs::cmd_ls(sub_argc, sub_argv);
   if (command == "match") return qbfs::cmd_match(sub_argc, sub_argv);
   if (command == "props") return qbfs::cmd_props(sub_argc, sub_argv);
   if (command == "validate") return qbfs::cmd_validate(options, sub_argc, sub_argv);

@@ -1,0 +1,394 @@
+// `qbfs backup [--exclude PATTERN]... [--exclude-from FILE] SRC... -o ARCHIVE`
+//
+// Each source directory is attached through the layer and walked depth
+// first; each object goes into the archive as its record and the streams
+// the module delivers. A source appears in the archive under its own name
+// (backing up /usr/share/doc gives doc/...), so several sources can share
+// an archive; their names must differ.
+//
+// Exclusion patterns become exclusion rules of each source's element and
+// the layer decides with them: FS_GetSpecialAttribs marks a file. A
+// directory's block only names the directory itself, so directories are
+// also looked up by their full path (DLE_GetExcludeReason, the same rules):
+// a person who excludes "build/cache" means that path. An excluded
+// directory is not walked.
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <climits>
+#include <cstdlib>
+#include <cstring>
+#include <fstream>
+#include <string>
+#include <vector>
+
+#include <qbfsys/qbfsys.h>
+
+#include "../commands.h"
+#include "arguments.h"
+#include "archive_names.h"
+#include "archive_writer.h"
+#include "console.h"
+#include "layer_objects.h"
+#include "posix_streams.h"
+
+namespace qbfs {
+namespace {
+
+using namespace archive;
+
+constexpr char kCommand[] = "qbfs backup";
+constexpr char kHelp[] =
+    "usage: qbfs backup [options] SRC... -o ARCHIVE\n"
+    "\n"
+    "Backs up the directories SRC through the layer into ARCHIVE ('-' writes\n"
+    "to standard output). Each SRC is stored under its own name.\n"
+    "\n"
+    "  -o, --output ARCHIVE    where to write the archive (required)\n"
+    "  --exclude PATTERN       leave out what PATTERN names (repeatable)\n"
+    "  --exclude-from FILE     leave out the patterns of FILE, one per line\n"
+    "                          (blank lines and lines starting with # skipped)\n"
+    "  -v, --verbose           report each excluded path with its reason, and\n"
+    "                          show the layer's own messages\n"
+    "  -q, --quiet             no progress line, no layer messages\n"
+    "\n"
+    "Patterns are relative to each SRC. '*' and '?' stay within one name,\n"
+    "'**' crosses directories: '**.o' leaves out every .o file, 'build'\n"
+    "the top-level build directory, 'src/*/cache' each cache one level\n"
+    "below src. Case is ignored.\n"
+    "\n"
+    "Exit status: 0 when everything was backed up, 1 when some objects\n"
+    "failed or the archive could not be written, 2 on bad usage.\n";
+
+// Exclusion reasons given to the rules; they land in obj_flags.
+constexpr std::uint32_t kReasonExcludeOption = 0x10000000;
+constexpr std::uint32_t kReasonExcludeFile = 0x20000000;
+constexpr std::size_t kReadBuffer = 1u << 20;
+
+struct Rule {
+  std::wstring pattern;
+  std::uint32_t reason;
+};
+
+bool has_wildcard(std::wstring const& p) { return p.find_first_of(L"*?") != std::wstring::npos; }
+
+class BackupJob {
+ public:
+  BackupJob(ArchiveWriter& out, Console& console, bool verbose, struct stat const* archive)
+      : out_(out), console_(console), verbose_(verbose), buffer_(kReadBuffer) {
+    if (archive != nullptr) archive_ = *archive, skip_archive_ = true;
+  }
+
+  void run(FSYS_HAND_STRUCT* hand, GENERIC_DLE* dle, std::wstring const& base) {
+    hand_ = hand;
+    dle_ = dle;
+    link_prefix_ = narrow(base) + "/";
+    Components path{base};
+    DBLK root{};
+    if (hand->funcTable->GetCurrentDDB != nullptr &&
+        hand->funcTable->GetCurrentDDB(hand, &root) == FS_SUCCESS) {
+      save(&root, path, false);
+      hand->funcTable->ReleaseBlk(hand, &root);
+    } else {
+      ObjectRecord record{};
+      record.blk_type = DBLK_KIND_DDB;
+      std::string bytes;
+      encode_path(path, bytes);
+      if (!out_.begin_object(record, bytes, nullptr) || !out_.end_object(false)) return;
+      ++objects_;
+    }
+    walk(path);
+  }
+
+  std::uint64_t objects_ = 0, bytes_ = 0, excluded_ = 0, failed_ = 0;
+
+ private:
+  void walk(Components& path) {
+    _FUNC_LIST const& t = *hand_->funcTable;
+    DBLK blk{};
+    FS_STATUS s = t.FindFirstObj(hand_, &blk, const_cast<wchar_t*>(L"*"), 0);
+    for (; s == FS_SUCCESS && out_.error().empty(); s = t.FindNextObj(hand_, &blk)) {
+      path.push_back(object_name(hand_, &blk));
+      if (!excluded(&blk, path)) {
+        save(&blk, path);
+        if (blk.blk_type == DBLK_KIND_DDB) {
+          FS_STATUS const entered = t.ChangeIntoDDB(hand_, &blk);
+          if (entered == FS_SUCCESS) {
+            walk(path);
+            t.ChangeDirUp(hand_);
+          } else if (entered != FS_STATUS_NONE) {
+            fail(path, failure_text(hand_, entered));
+          }
+        }
+      }
+      path.pop_back();
+    }
+    if (s != FS_SUCCESS && s != FS_STATUS_NONE) fail(path, failure_text(hand_, s));
+    t.FindObjClose(hand_, &blk);
+    t.ReleaseBlk(hand_, &blk);
+  }
+
+  bool excluded(DBLK* blk, Components const& path) {
+    FS_GetSpecialAttribs(hand_, blk);
+    std::uint32_t reason = blk->obj_flags & (kReasonExcludeOption | kReasonExcludeFile);
+    if (reason == 0 && blk->blk_type == DBLK_KIND_DDB) {
+      std::wstring run;
+      for (std::size_t i = 1; i < path.size(); ++i) run += path[i] + L'\0';
+      run += L'\0';
+      std::size_t const bytes = run.size() * sizeof(wchar_t);
+      if (bytes <= SHRT_MAX)
+        reason = DLE_GetExcludeReason(dle_, run.c_str(), static_cast<short>(bytes)) &
+                 (kReasonExcludeOption | kReasonExcludeFile);
+    }
+    if (reason == 0) return false;
+    ++excluded_;
+    if (verbose_)
+      console_.message("excluded " + display_path(path) +
+                       (reason == kReasonExcludeOption ? " (matches an --exclude pattern)"
+                                                       : " (matches a pattern of --exclude-from)"));
+    return true;
+  }
+
+  void fail(Components const& path, std::string const& why) {
+    ++failed_;
+    console_.message(display_path(path) + ": " + why);
+  }
+
+  // True for the archive being written (when it lies inside a source).
+  bool is_archive(DBLK* blk, std::vector<unsigned char> const& info) const {
+    qbposix::POSIX_OS_INFO stat{};
+    if (!skip_archive_ || blk->os_id != qbposix::POSIX_OS_ID || info.size() != sizeof stat) return false;
+    std::memcpy(&stat, info.data(), sizeof stat);
+    return stat.dev == archive_.st_dev && stat.ino == archive_.st_ino;
+  }
+
+  // `streams` false stores the record alone: a source's own directory is
+  // the handle's root, which the module describes but does not open.
+  void save(DBLK* blk, Components const& path, bool streams = true) {
+    std::string bytes;
+    if (!encode_path(path, bytes) || bytes.size() > 0xFFFF)
+      return fail(path, "its path cannot be stored in an archive");
+    ObjectRecord record{};
+    record.blk_type = blk->blk_type;
+    record.os_id = blk->os_id;
+    record.os_ver = blk->os_ver;
+    record.attrib1 = FS_GetAttrib1FromDBLK(hand_, blk);
+    record.attrib2 = FS_GetAttrib2FromDBLK(hand_, blk);
+    std::uint32_t const info_size = FS_SizeofOS_InfoInDBLK(hand_, blk);
+    std::vector<unsigned char> info(kMaxOsInfo);
+    if (info_size > kMaxOsInfo || FS_GetOS_InfoFromDBLK(hand_, blk, info.data()) != FS_SUCCESS)
+      info.clear();
+    else
+      info.resize(info_size);
+    if (is_archive(blk, info)) {
+      console_.message("skipped " + display_path(path) + ": it is the archive being written");
+      return;
+    }
+    record.os_info_size = static_cast<std::uint16_t>(info.size());
+    if (!out_.begin_object(record, bytes, info.data())) return;
+    ++objects_;
+    std::string const why = streams ? copy_streams(blk) : std::string();
+    if (!why.empty()) fail(path, why);
+    out_.end_object(!why.empty());
+    console_.progress(objects_, bytes_);
+  }
+
+  // Reads the object's streams into the archive; the failure in words, or
+  // empty. A hard-link stream names its first name below the source; in
+  // the archive it is written below the archive root, like every path.
+  std::string copy_streams(DBLK* blk) {
+    _FILE_HAND_STRUCT* obj = nullptr;
+    FS_STATUS status = FS_OpenObj(hand_, &obj, blk, FS_READ);
+    if (status == FS_ERR_OBJ_NO_DATA) return {};
+    if (status != FS_SUCCESS) return failure_text(hand_, status);
+    STREAM_INFO link{};
+    std::string link_target;
+    bool in_link = false;
+    while (status == FS_SUCCESS && out_.error().empty()) {
+      unsigned size = static_cast<unsigned>(buffer_.size()), need = 0;
+      STREAM_INFO header{};
+      status = FS_ReadObj(obj, buffer_.data(), &size, &need, &header);
+      if (status != FS_SUCCESS) break;
+      if (header.id != STRM_INVALID) {
+        in_link = header.id == STRM_NTFS_LINK;
+        if (in_link) {
+          link = header;
+          link_target = link_prefix_;
+        } else {
+          out_.begin_stream(header);
+        }
+      }
+      if (size == 0) continue;
+      bytes_ += size;
+      if (!in_link) {
+        out_.data(buffer_.data(), size);
+        continue;
+      }
+      link_target.append(reinterpret_cast<char const*>(buffer_.data()), size);
+      if (link_target.size() == link_prefix_.size() + link.size) {
+        link.size = link_target.size();
+        out_.begin_stream(link);
+        out_.data(link_target.data(), link_target.size());
+        in_link = false;
+      }
+    }
+    FS_CloseObj(obj, nullptr, nullptr);
+    if (status == FS_ERR_OBJ_NO_DATA && in_link) return "its hard-link stream ended early";
+    return status == FS_ERR_OBJ_NO_DATA || !out_.error().empty() ? std::string()
+                                                                 : failure_text(hand_, status);
+  }
+
+  ArchiveWriter& out_;
+  Console& console_;
+  bool verbose_;
+  std::vector<unsigned char> buffer_;
+  struct stat archive_ {};
+  bool skip_archive_ = false;
+  FSYS_HAND_STRUCT* hand_ = nullptr;
+  GENERIC_DLE* dle_ = nullptr;
+  std::string link_prefix_;
+};
+
+bool read_exclude_file(std::string const& file, std::vector<Rule>& rules) {
+  std::ifstream in(file);
+  if (!in) return false;
+  std::string line;
+  while (std::getline(in, line)) {
+    if (!line.empty() && line.back() == '\r') line.pop_back();
+    if (line.empty() || line[0] == '#') continue;
+    rules.push_back({widen(line), kReasonExcludeFile});
+  }
+  return !in.bad();
+}
+
+std::wstring base_name(std::string const& path) {
+  std::size_t const slash = path.find_last_of('/');
+  return widen(slash == std::string::npos ? path : path.substr(slash + 1));
+}
+
+}  // namespace
+
+int cmd_backup(Options const& options, int argc, char** argv) {
+  std::string output;
+  std::vector<Rule> rules;
+  std::vector<std::string> sources;
+  bool verbose = false, quiet = options.quiet;
+  for (int i = 1; i < argc; ++i) {
+    std::string const a = argv[i];
+    std::string value;
+    if (a == "-h" || a == "--help") {
+      std::fputs(kHelp, stdout);
+      return 0;
+    } else if (a == "-o" || a == "--output") {
+      if (!take_value(i, argc, argv, kCommand, output)) return 2;
+    } else if (a == "--exclude") {
+      if (!take_value(i, argc, argv, kCommand, value)) return 2;
+      if ((value.size() + 1) * sizeof(wchar_t) > DLE_MAX_RULE_BYTES)
+        return usage_error(kCommand, "the pattern '" + value.substr(0, 40) + "...' is too long");
+      rules.push_back({widen(value), kReasonExcludeOption});
+    } else if (a == "--exclude-from") {
+      if (!take_value(i, argc, argv, kCommand, value)) return 2;
+      if (!read_exclude_file(value, rules)) {
+        std::fprintf(stderr, "%s: cannot read the exclusion file '%s': %s\n", kCommand,
+                     value.c_str(), std::strerror(errno));
+        return 1;
+      }
+    } else if (a == "-v" || a == "--verbose") {
+      verbose = true;
+    } else if (a == "-q" || a == "--quiet") {
+      quiet = true;
+    } else if (a.size() > 1 && a[0] == '-') {
+      return usage_error(kCommand, "unknown option " + a);
+    } else {
+      sources.push_back(a);
+    }
+  }
+  if (output.empty()) return usage_error(kCommand, "no archive given (-o ARCHIVE, or -o - for standard output)");
+  if (sources.empty()) return usage_error(kCommand, "no source directory given");
+  std::vector<std::string> roots;
+  std::vector<std::wstring> bases;
+  for (std::string const& s : sources) {
+    char resolved[PATH_MAX];
+    struct stat st {};
+    if (realpath(s.c_str(), resolved) == nullptr || stat(resolved, &st) != 0) {
+      std::fprintf(stderr, "%s: cannot use the source '%s': %s\n", kCommand, s.c_str(), std::strerror(errno));
+      return 1;
+    }
+    if (!S_ISDIR(st.st_mode)) {
+      std::fprintf(stderr, "%s: the source '%s' is not a directory\n", kCommand, s.c_str());
+      return 1;
+    }
+    std::wstring const base = base_name(resolved);
+    if (base.empty())
+      return usage_error(kCommand, "the source '" + s + "' is the root directory; name the directories below it");
+    for (std::wstring const& b : bases)
+      if (b == base)
+        return usage_error(kCommand, "two sources are named '" + narrow(base) + "'; an archive holds each under its name");
+    roots.push_back(resolved);
+    bases.push_back(base);
+  }
+  int fd = STDOUT_FILENO;
+  if (output == "-") {
+    if (isatty(STDOUT_FILENO) == 1)
+      return usage_error(kCommand, "standard output is a terminal; redirect it or use -o FILE");
+  } else {
+    fd = open(output.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
+    if (fd < 0) {
+      std::fprintf(stderr, "%s: cannot create the archive '%s': %s\n", kCommand, output.c_str(), std::strerror(errno));
+      return 1;
+    }
+  }
+  struct stat archive {};
+  bool const regular = fstat(fd, &archive) == 0 && S_ISREG(archive.st_mode);
+
+  Console console(kCommand, quiet, verbose);
+  ArchiveWriter writer(fd);
+  BackupJob job(writer, console, verbose, regular ? &archive : nullptr);
+  int rc = 0;
+  {
+    RootSession session(options, roots);
+    if (!session.error().empty()) {
+      console.message(session.error());
+      rc = 1;
+    }
+    if (rc == 0) writer.begin();
+    for (std::size_t i = 0; rc == 0 && i < roots.size() && writer.error().empty(); ++i) {
+      std::string why;
+      GENERIC_DLE* dle = session.dle(i);
+      for (std::size_t r = 0; dle != nullptr && r < rules.size() && rc == 0; ++r) {
+        DLE_RULE_KIND const kind = has_wildcard(rules[r].pattern) ? DLE_RULE_PATTERN : DLE_RULE_PATH;
+        FS_STATUS const added = DLE_AddSpecObj(dle, rules[r].pattern.c_str(), kind, rules[r].reason);
+        if (added != FS_SUCCESS) {
+          console.message("the pattern '" + narrow(rules[r].pattern) + "' cannot be used: " +
+                          failure_text(nullptr, added));
+          rc = 1;
+        }
+      }
+      FSYS_HAND_STRUCT* hand = rc == 0 ? session.attach(i, why) : nullptr;
+      if (hand == nullptr) {
+        if (rc == 0) console.message("cannot back up '" + roots[i] + "': " + why);
+        rc = 1;
+        break;
+      }
+      job.run(hand, dle, bases[i]);
+      FS_DetachDLE(hand);
+    }
+  }
+  if (rc == 0) writer.finish();
+  if (!writer.error().empty()) {
+    console.message("cannot write the archive '" + output + "': " + writer.error());
+    rc = 1;
+  }
+  if (fd != STDOUT_FILENO && close(fd) != 0 && rc == 0) {
+    console.message("cannot write the archive '" + output + "': " + std::strerror(errno));
+    rc = 1;
+  }
+  if (rc == 0 && job.failed_ > 0) rc = 1;
+  std::string const rest = grouped(job.excluded_) + " excluded, " + grouped(job.failed_) + " failed";
+  console.summary(job.objects_, job.bytes_, rest, stderr);
+  return rc;
+}
+
+}  // namespace qbfs

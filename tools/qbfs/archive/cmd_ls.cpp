@@ -1,0 +1,129 @@
+// `qbfs ls [-l] ARCHIVE`: the objects of an archive, one path per line
+// (directories end with '/'). With -l, objects of the posix module show
+// their type and permissions, owner and group, size, modification time and
+// link target, like a long directory listing.
+#include <unistd.h>
+
+#include <ctime>
+#include <string>
+#include <sys/stat.h>
+
+#include <qbfsys/dblk.h>
+#include <qbfsys/stream_ids.h>
+
+#include "../commands.h"
+#include "archive_input.h"
+#include "archive_names.h"
+#include "archive_reader.h"
+#include "arguments.h"
+#include "posix_view.h"
+
+namespace qbfs {
+namespace {
+
+using namespace archive;
+
+constexpr char kCommand[] = "qbfs ls";
+constexpr char kHelp[] =
+    "usage: qbfs ls [-l] ARCHIVE\n"
+    "\n"
+    "Lists the objects of ARCHIVE ('-' reads standard input).\n"
+    "\n"
+    "  -l, --long   type and permissions, owner/group, size, modification\n"
+    "               time and link targets\n"
+    "\n"
+    "Exit status: 0 when the archive is whole, 1 when it is damaged, 2 on\n"
+    "bad usage.\n";
+
+// Link targets are shown up to this length.
+constexpr std::size_t kShownTarget = 4096;
+
+std::string long_line(ObjectEntry const& entry, std::string const& symlink, std::string const& hardlink) {
+  qbposix::POSIX_OS_INFO info{};
+  char text[160];
+  if (posix_view(entry.record.os_id, entry.os_info, info)) {
+    std::time_t const when = static_cast<std::time_t>(info.mtime_sec);
+    std::tm local{};
+    char date[32] = "?";
+    if (localtime_r(&when, &local) != nullptr) std::strftime(date, sizeof date, "%Y-%m-%d %H:%M", &local);
+    std::snprintf(text, sizeof text, "%s %5u/%-5u %12llu %s ", mode_text(info.mode).c_str(), info.uid, info.gid,
+                  static_cast<unsigned long long>(S_ISREG(info.mode) ? info.size : 0), date);
+  } else {
+    std::snprintf(text, sizeof text, "%-10s %11s %12s %16s ", entry.record.blk_type == DBLK_KIND_DDB ? "d" : "-",
+                  "?", "?", "?");
+  }
+  std::string line = text + display_path(entry.path);
+  if (!symlink.empty()) line += " -> " + display_path(symlink);
+  if (!hardlink.empty()) line += " link to " + display_path(hardlink);
+  return line;
+}
+
+}  // namespace
+
+int cmd_ls(int argc, char** argv) {
+  std::string archive_name;
+  bool long_form = false;
+  for (int i = 1; i < argc; ++i) {
+    std::string const a = argv[i];
+    if (a == "-h" || a == "--help") {
+      std::fputs(kHelp, stdout);
+      return 0;
+    } else if (a == "-l" || a == "--long") {
+      long_form = true;
+    } else if (a.size() > 1 && a[0] == '-') {
+      return usage_error(kCommand, "unknown option " + a);
+    } else if (archive_name.empty()) {
+      archive_name = a;
+    } else {
+      return usage_error(kCommand, "more than one archive given");
+    }
+  }
+  if (archive_name.empty()) return usage_error(kCommand, "no archive given");
+  std::string why;
+  int code = 1;
+  int const fd = open_archive(archive_name, why, code);
+  if (fd < 0) {
+    std::fprintf(stderr, "%s: %s\n", kCommand, why.c_str());
+    return code;
+  }
+  ArchiveReader reader(fd);
+  if (!reader.open(why)) {
+    std::fprintf(stderr, "%s: cannot read '%s': %s\n", kCommand, archive_name.c_str(), why.c_str());
+    if (fd != 0) close(fd);
+    return 1;
+  }
+  std::string symlink, hardlink;
+  std::uint32_t stream = STRM_INVALID;
+  for (Event e = reader.next(); e.kind != EventKind::end; e = reader.next()) {
+    ObjectEntry const& entry = reader.object();
+    if (e.kind == EventKind::object) {
+      symlink.clear();
+      hardlink.clear();
+    } else if (e.kind == EventKind::stream) {
+      stream = e.stream.id;
+    } else if (e.kind == EventKind::data) {
+      std::string* into = stream == STRM_NT_REPARSE ? &symlink : stream == STRM_NTFS_LINK ? &hardlink : nullptr;
+      if (into != nullptr && into->size() < kShownTarget)
+        into->append(reinterpret_cast<char const*>(e.data), std::min(e.size, kShownTarget - into->size()));
+    } else if (e.kind == EventKind::damage) {
+      std::fprintf(stderr, "%s: damaged: %s\n", kCommand, e.problem.c_str());
+    } else if (e.kind == EventKind::object_end) {
+      std::string const path = display_path(entry.path);
+      if (e.verdict == Verdict::damaged) {
+        std::fprintf(stderr, "%s: damaged: %s: %s\n", kCommand, path.c_str(), e.problem.c_str());
+        continue;
+      }
+      bool const dir = entry.record.blk_type == DBLK_KIND_DDB;
+      std::string const line = long_form ? long_line(entry, symlink, hardlink) : path;
+      std::printf("%s%s%s\n", line.c_str(), dir && !long_form ? "/" : "",
+                  e.verdict == Verdict::source_failed ? "  (incomplete: its reading failed at backup)" : "");
+    }
+  }
+  if (fd != 0) close(fd);
+  EndState const& end = reader.end_state();
+  if (!end.problem.empty()) std::fprintf(stderr, "%s: the archive is damaged: %s\n", kCommand, end.problem.c_str());
+  std::fflush(stdout);
+  return end.damaged ? 1 : 0;
+}
+
+}  // namespace qbfs

@@ -1,0 +1,301 @@
+// `qbfs restore ARCHIVE -C DIR [PATH...]`
+//
+// Reads the archive once, front to back (it may be a pipe), and restores
+// each object through the layer into DIR: the module creates it from the
+// record's block and takes its streams. An object is judged only when its
+// checksum arrives, after its data: a file found damaged then is deleted
+// again, so no file is left with altered data. A directory is kept (the
+// objects below it need it) and reported.
+//
+// Nothing lands outside DIR: the reader refuses paths that are absolute or
+// climb, the handle moves only by names below its root, and the module
+// opens every component without following links.
+//
+// When a directory of the archive is missing in DIR (its record was
+// damaged, or only objects below it were selected and it was not), it is
+// created as a plain directory so the objects below it can be restored.
+#include <unistd.h>
+
+#include <cerrno>
+#include <climits>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+#include <sys/stat.h>
+#include <vector>
+
+#include <qbfsys/qbfsys.h>
+
+#include "../commands.h"
+#include "archive_input.h"
+#include "archive_names.h"
+#include "archive_reader.h"
+#include "arguments.h"
+#include "console.h"
+#include "layer_objects.h"
+
+namespace qbfs {
+namespace {
+
+using namespace archive;
+
+constexpr char kCommand[] = "qbfs restore";
+constexpr char kHelp[] =
+    "usage: qbfs restore ARCHIVE -C DIR [PATH...]\n"
+    "\n"
+    "Restores the objects of ARCHIVE ('-' reads standard input) into the\n"
+    "existing directory DIR through the layer. With PATHs, restores only\n"
+    "those paths of the archive (and what lies below them).\n"
+    "\n"
+    "  -C, --directory DIR  where to restore (required)\n"
+    "  -v, --verbose        name each object restored; show the layer's messages\n"
+    "  -q, --quiet          no progress line, no layer messages\n"
+    "\n"
+    "A damaged object is reported and not restored (a directory is kept);\n"
+    "every intact object is restored.\n"
+    "\n"
+    "Exit status: 0 when everything was restored, 1 when some objects\n"
+    "failed or were damaged, 2 on bad usage.\n";
+
+bool is_prefix(Components const& a, Components const& b) {
+  return a.size() <= b.size() && std::equal(a.begin(), a.end(), b.begin());
+}
+
+class RestoreJob {
+ public:
+  RestoreJob(FSYS_HAND_STRUCT* hand, Console& console, bool verbose, std::vector<Components> selection)
+      : hand_(hand), t_(*hand->funcTable), console_(console), verbose_(verbose), selection_(std::move(selection)) {}
+
+  void run(ArchiveReader& reader) {
+    for (Event e = reader.next(); e.kind != EventKind::end; e = reader.next()) {
+      switch (e.kind) {
+        case EventKind::object: begin(reader.object()); break;
+        case EventKind::stream: if (obj_ != nullptr) write_header(e.stream); break;
+        case EventKind::data: if (obj_ != nullptr) write_data(e.data, e.size); break;
+        case EventKind::object_end: end(reader.object(), e); break;
+        case EventKind::damage:
+          ++damaged_;
+          console_.message("damaged: " + e.problem);
+          break;
+        case EventKind::end: break;
+      }
+    }
+    leave_all();
+  }
+
+  std::uint64_t restored_ = 0, bytes_ = 0, failed_ = 0, damaged_ = 0;
+
+ private:
+  bool wanted(Components const& c) const {
+    if (selection_.empty()) return true;
+    for (Components const& s : selection_)
+      if (is_prefix(c, s) || is_prefix(s, c)) return true;
+    return false;
+  }
+
+  void fail(Components const& path, std::string const& why) {
+    ++failed_;
+    console_.message(display_path(path) + ": " + why);
+  }
+
+  void leave_all() {
+    while (!current_.empty()) {
+      t_.ChangeDirUp(hand_);
+      current_.pop_back();
+    }
+  }
+
+  // Makes `parent` the handle's current directory, creating what is missing.
+  bool go_to(Components const& parent, std::string& why) {
+    std::size_t common = 0;
+    while (common < current_.size() && common < parent.size() && current_[common] == parent[common]) ++common;
+    while (current_.size() > common) {
+      t_.ChangeDirUp(hand_);
+      current_.pop_back();
+    }
+    for (std::size_t k = common; k < parent.size(); ++k) {
+      DBLK dir{};
+      make_plain_directory(hand_, parent[k], &dir);
+      FS_STATUS status = t_.ChangeIntoDDB(hand_, &dir);
+      if (status != FS_SUCCESS) {
+        status = t_.CreateObj(hand_, &dir, nullptr, RESTORE_OVERWRITE);
+        if (status == FS_SUCCESS) status = t_.ChangeIntoDDB(hand_, &dir);
+        if (status == FS_SUCCESS && verbose_)
+          console_.message("created the missing directory " + display_path(Components(parent.begin(), parent.begin() + k + 1)));
+      }
+      t_.ReleaseBlk(hand_, &dir);
+      if (status != FS_SUCCESS) {
+        why = "its directory cannot be made: " + failure_text(hand_, status);
+        return false;
+      }
+      current_.push_back(parent[k]);
+    }
+    return true;
+  }
+
+  void begin(ObjectEntry const& entry) {
+    obj_ = nullptr;
+    made_ = false;
+    error_.clear();
+    if (!wanted(entry.components)) return;
+    Components const parent(entry.components.begin(), entry.components.end() - 1);
+    std::string why;
+    if (!go_to(parent, why)) return fail(entry.components, why);
+    info_ = entry.os_info;
+    blk_ = DBLK{};
+    FS_STATUS status = make_block(hand_, entry.record, entry.components.back(), info_, &blk_);
+    made_ = status == FS_SUCCESS;
+    if (status == FS_SUCCESS) status = t_.CreateObj(hand_, &blk_, nullptr, RESTORE_OVERWRITE);
+    if (status == FS_SUCCESS) status = FS_OpenObj(hand_, &obj_, &blk_, FS_WRITE);
+    if (status != FS_SUCCESS) {
+      obj_ = nullptr;
+      fail(entry.components, "cannot be restored: " + failure_text(hand_, status));
+    }
+  }
+
+  void write_header(STREAM_INFO header) {
+    unsigned zero = 0, need = 0;
+    FS_STATUS const status = FS_WriteObj(obj_, nullptr, &zero, &need, &header);
+    if (status != FS_SUCCESS && error_.empty()) error_ = failure_text(hand_, status);
+  }
+
+  void write_data(unsigned char const* data, std::size_t size) {
+    bytes_ += size;
+    while (size > 0 && error_.empty()) {
+      STREAM_INFO none{};
+      unsigned piece = static_cast<unsigned>(size), need = 0;
+      FS_STATUS const status = FS_WriteObj(obj_, const_cast<unsigned char*>(data), &piece, &need, &none);
+      if (status != FS_SUCCESS) error_ = failure_text(hand_, status);
+      else if (piece == 0) error_ = "the file system took no data";
+      data += piece;
+      size -= piece;
+    }
+  }
+
+  void end(ObjectEntry const& entry, Event const& e) {
+    if (obj_ != nullptr) {
+      FS_STATUS const closed = FS_CloseObj(obj_, nullptr, nullptr);
+      if (closed != FS_SUCCESS && error_.empty()) error_ = failure_text(hand_, closed);
+      obj_ = nullptr;
+    }
+    bool const directory = entry.record.blk_type == DBLK_KIND_DDB;
+    std::string const path = display_path(entry.components);
+    if (e.verdict == Verdict::damaged) {
+      ++damaged_;
+      console_.message("damaged: " + path + ": " + e.problem +
+                       (!made_ ? "" : directory ? "; the directory is kept" : "; not restored"));
+    } else if (e.verdict == Verdict::source_failed) {
+      ++failed_;
+      console_.message(path + ": its reading failed at backup" +
+                       (!made_ ? "" : directory ? "; the directory is kept" : "; not restored"));
+    } else if (!error_.empty()) {
+      fail(entry.components, error_);
+    } else if (made_) {
+      ++restored_;
+      if (verbose_) console_.message("restored " + path);
+    }
+    bool const keep = e.verdict == Verdict::intact && error_.empty();
+    if (made_ && !keep && !directory && t_.DeleteObj != nullptr) t_.DeleteObj(hand_, &blk_);
+    if (made_) t_.ReleaseBlk(hand_, &blk_);
+    made_ = false;
+    console_.progress(restored_, bytes_);
+  }
+
+  FSYS_HAND_STRUCT* hand_;
+  _FUNC_LIST const& t_;
+  Console& console_;
+  bool verbose_;
+  std::vector<Components> selection_;
+  Components current_;  // the handle's current directory below DIR
+  DBLK blk_{};
+  bool made_ = false;
+  _FILE_HAND_STRUCT* obj_ = nullptr;
+  std::vector<unsigned char> info_;
+  std::string error_;
+};
+
+}  // namespace
+
+int cmd_restore(Options const& options, int argc, char** argv) {
+  std::string archive_name, directory;
+  std::vector<Components> selection;
+  bool verbose = false, quiet = options.quiet;
+  for (int i = 1; i < argc; ++i) {
+    std::string const a = argv[i];
+    if (a == "-h" || a == "--help") {
+      std::fputs(kHelp, stdout);
+      return 0;
+    } else if (a == "-C" || a == "--directory") {
+      if (!take_value(i, argc, argv, kCommand, directory)) return 2;
+    } else if (a == "-v" || a == "--verbose") {
+      verbose = true;
+    } else if (a == "-q" || a == "--quiet") {
+      quiet = true;
+    } else if (a.size() > 1 && a[0] == '-') {
+      return usage_error(kCommand, "unknown option " + a);
+    } else if (archive_name.empty()) {
+      archive_name = a;
+    } else {
+      std::string trimmed = a;
+      while (trimmed.size() > 1 && trimmed.back() == '/') trimmed.pop_back();
+      Components path;
+      std::string why;
+      if (!decode_path(trimmed, path, why))
+        return usage_error(kCommand, "the path '" + a + "' cannot name an object of an archive: " + why);
+      selection.push_back(path);
+    }
+  }
+  if (archive_name.empty()) return usage_error(kCommand, "no archive given");
+  if (directory.empty()) return usage_error(kCommand, "no target directory given (-C DIR)");
+  char resolved[PATH_MAX];
+  struct stat st {};
+  if (realpath(directory.c_str(), resolved) == nullptr || stat(resolved, &st) != 0) {
+    std::fprintf(stderr, "%s: cannot use the directory '%s': %s\n", kCommand, directory.c_str(), std::strerror(errno));
+    return 1;
+  }
+  if (!S_ISDIR(st.st_mode)) {
+    std::fprintf(stderr, "%s: '%s' is not a directory\n", kCommand, directory.c_str());
+    return 1;
+  }
+  std::string why;
+  int code = 1;
+  int const fd = open_archive(archive_name, why, code);
+  if (fd < 0) {
+    std::fprintf(stderr, "%s: %s\n", kCommand, why.c_str());
+    return code;
+  }
+  ArchiveReader reader(fd);
+  if (!reader.open(why)) {
+    std::fprintf(stderr, "%s: cannot read '%s': %s\n", kCommand, archive_name.c_str(), why.c_str());
+    if (fd != 0) close(fd);
+    return 1;
+  }
+  Console console(kCommand, quiet, verbose);
+  int rc = 0;
+  std::uint64_t restored = 0, bytes = 0;
+  std::string rest;
+  {
+    RootSession session(options, {resolved});
+    FSYS_HAND_STRUCT* hand = session.error().empty() ? session.attach(0, why) : nullptr;
+    if (!session.error().empty()) why = session.error();
+    if (hand == nullptr) {
+      console.message("cannot restore into '" + directory + "': " + why);
+      rc = 1;
+    } else {
+      RestoreJob job(hand, console, verbose, selection);
+      job.run(reader);
+      FS_DetachDLE(hand);  // directories get their metadata here
+      EndState const& end = reader.end_state();
+      if (!end.problem.empty()) console.message("the archive is damaged: " + end.problem);
+      if (job.failed_ > 0 || job.damaged_ > 0 || end.damaged) rc = 1;
+      restored = job.restored_;
+      bytes = job.bytes_;
+      rest = grouped(job.damaged_) + " damaged, " + grouped(job.failed_) + " failed";
+    }
+  }
+  if (fd != 0) close(fd);
+  if (!rest.empty()) console.summary(restored, bytes, rest, stdout);
+  return rc;
+}
+
+}  // namespace qbfs

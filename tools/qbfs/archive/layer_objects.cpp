@@ -1,0 +1,108 @@
+#include "layer_objects.h"
+
+#include <qbhost/strings.h>
+
+#include "../status_text.h"
+
+namespace qbfs::archive {
+namespace {
+
+GENERIC_DLE* find_root(_Q_HEADER const& list, std::wstring const& path) {
+  for (_Q_ELEM* e = list.q_head; e != nullptr; e = e->q_next) {
+    auto* dle = reinterpret_cast<GENERIC_DLE*>(e);
+    if (dle->device_name != nullptr && path == dle->device_name) return dle;
+    if (GENERIC_DLE* below = find_root(dle->child_q, path)) return below;
+  }
+  return nullptr;
+}
+
+}  // namespace
+
+std::string narrow(std::wstring const& text) { return wcstring(text).to_utf8(); }
+std::wstring widen(std::string const& text) { return wcstring::from_utf8(text.data(), text.size()); }
+
+RootSession::RootSession(Options const& options, std::vector<std::string> const& roots)
+    : options_(options) {
+  options_.roots.clear();
+  for (std::string const& r : roots) {
+    roots_.push_back(widen(r));
+    options_.roots.push_back(roots_.back());
+  }
+  layer_ = std::make_unique<LayerSession>(options_);
+  if (!layer_->usable()) {
+    error_ = "the layer did not start: " + describe_status(layer_->status());
+    return;
+  }
+  FS_STATUS const status = FS_InitDleList(&head_, layer_->cfg());
+  if (status != FS_SUCCESS || head_ == nullptr)
+    error_ = "the tree of backup elements could not be built: " + describe_status(status);
+}
+
+RootSession::~RootSession() {
+  if (head_ != nullptr) FS_DeinitDleList(head_);
+}
+
+GENERIC_DLE* RootSession::dle(std::size_t i) const {
+  return head_ == nullptr || i >= roots_.size() ? nullptr : find_root(head_->dle_q, roots_[i]);
+}
+
+FSYS_HAND_STRUCT* RootSession::attach(std::size_t i, std::string& why) {
+  GENERIC_DLE* element = dle(i);
+  if (element == nullptr) {
+    why = options_.modules.empty() ? "no module is loaded"
+                                   : "no module offers it as a backup element";
+    return nullptr;
+  }
+  FSYS_HAND_STRUCT* hand = nullptr;
+  FS_STATUS const status = FS_AttachToDLE(&hand, element, layer_->cfg(), nullptr, nullptr, 0, 0,
+                                          nullptr, nullptr, 0, nullptr, false);
+  if (status != FS_SUCCESS) {
+    why = "could not attach: " + failure_text(hand, status);
+    if (hand != nullptr) FS_DetachDLE(hand);
+    return nullptr;
+  }
+  return hand;
+}
+
+std::wstring object_name(FSYS_HAND_STRUCT* hand, DBLK* blk) {
+  _FUNC_LIST const& t = *hand->funcTable;
+  if (t.SizeofOSName == nullptr || t.GetOSName == nullptr) return {};
+  FS_STATUS const size = t.SizeofOSName(hand, blk, false);
+  if (size == 0 || size > 0x100000) return {};
+  std::vector<wchar_t> name(size / sizeof(wchar_t) + 1, L'\0');
+  if (t.GetOSName(hand, blk, name.data(), false) != FS_SUCCESS) return {};
+  return std::wstring(name.data());
+}
+
+std::string failure_text(FSYS_HAND_STRUCT* hand, FS_STATUS status) {
+  wchar_t* message = nullptr;
+  if (hand != nullptr && status == FS_STATUS_EXT_ERROR)
+    GEN_GetExtendedErrorInfo(hand, nullptr, nullptr, &message);
+  if (message != nullptr && message[0] != L'\0') return narrow(message);
+  return describe_status(status);
+}
+
+FS_STATUS make_block(FSYS_HAND_STRUCT* hand, ObjectRecord const& record, std::wstring const& name,
+                     std::vector<unsigned char>& os_info, DBLK* out) {
+  _CREATE_DBLK request;
+  FS_SetDefaultDBLK(hand, static_cast<char>(record.blk_type), 0, &request);
+  request.dblk = request.gen.dblk = out;
+  request.gen.name = name.c_str();
+  request.gen.name_size = static_cast<std::uint16_t>((name.size() + 1) * sizeof(wchar_t));
+  request.gen.os_id = record.os_id;
+  request.gen.os_ver = record.os_ver;
+  request.gen.os_info = os_info.empty() ? nullptr : os_info.data();
+  request.gen.os_info_size = static_cast<std::uint16_t>(os_info.size());
+  request.gen.media_attrib = record.attrib1;
+  request.gen.attrib2 = record.attrib2;
+  return FS_CreateGenDBLK(hand, record.blk_type, &request);
+}
+
+FS_STATUS make_plain_directory(FSYS_HAND_STRUCT* hand, std::wstring const& name, DBLK* out) {
+  ObjectRecord record{};
+  record.blk_type = DBLK_KIND_DDB;
+  std::vector<unsigned char> none;
+  return make_block(hand, record, name, none, out);
+}
+
+}  // namespace qbfs::archive

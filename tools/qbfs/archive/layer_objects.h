@@ -1,0 +1,58 @@
+// The layer as the archive commands use it: a started layer that offers
+// directories as roots with a handle attached to each, and the few steps
+// on objects that backup, restore and verify share.
+#pragma once
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <qbfsys/qbfsys.h>
+
+#include "../commands.h"
+#include "../layer_session.h"
+#include "archive_format.h"
+
+namespace qbfs::archive {
+
+// Starts the layer with `roots` (absolute directory paths) as the modules'
+// roots and builds the tree.
+class RootSession {
+ public:
+  RootSession(Options const& options, std::vector<std::string> const& roots);
+  ~RootSession();
+  RootSession(RootSession const&) = delete;
+  RootSession& operator=(RootSession const&) = delete;
+
+  // Empty when the layer started and the tree was built; else why not.
+  std::string const& error() const { return error_; }
+  // The element of root `i`, or null when no module offered it.
+  GENERIC_DLE* dle(std::size_t i) const;
+  // A handle attached to root `i`; null with `why` filled when that fails.
+  // The caller detaches it (FS_DetachDLE).
+  FSYS_HAND_STRUCT* attach(std::size_t i, std::string& why);
+
+ private:
+  Options options_;
+  std::unique_ptr<LayerSession> layer_;
+  HEAD_DLE* head_ = nullptr;
+  std::vector<std::wstring> roots_;
+  std::string error_;
+};
+
+// The object's name (no path) as the file system gives it.
+std::wstring object_name(FSYS_HAND_STRUCT* hand, DBLK* blk);
+// The handle's last error in words, else `status` in words.
+std::string failure_text(FSYS_HAND_STRUCT* hand, FS_STATUS status);
+// Builds a block of `hand` for an object named `name` described by
+// `record` and `os_info` (which must outlive the block), as a restore does.
+FS_STATUS make_block(FSYS_HAND_STRUCT* hand, ObjectRecord const& record, std::wstring const& name,
+                     std::vector<unsigned char>& os_info, DBLK* out);
+// A directory block named `name` with nothing else known of it.
+FS_STATUS make_plain_directory(FSYS_HAND_STRUCT* hand, std::wstring const& name, DBLK* out);
+
+// Decodes a string the layer handed out (UTF-8 for display).
+std::string narrow(std::wstring const& text);
+std::wstring widen(std::string const& text);
+
+}  // namespace qbfs::archive
