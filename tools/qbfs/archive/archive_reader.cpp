@@ -304,8 +304,12 @@ Event ArchiveReader::next() {
     FrameHeader header{};
     if (!frame_at(0, header, false)) {
       std::uint64_t const at = offset();
+      std::size_t const left = end_ - begin_;
+      bool const cut = eof_ && (left < sizeof header ||
+                                (header.magic == kFrameMagic && left < sizeof header + header.length));
       if (state_ == State::in_object) {
-        Event event = end_object(Verdict::damaged, "its frame" + at_offset(at) + " is damaged");
+        Event event = end_object(Verdict::damaged, cut ? "the archive ends inside this object"
+                                                       : "its frame" + at_offset(at) + " is damaged");
         resync(false);
         state_ = State::between;
         return event;
