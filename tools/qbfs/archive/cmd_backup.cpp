@@ -31,6 +31,7 @@
 #include "archive_names.h"
 #include "archive_writer.h"
 #include "console.h"
+#include "input.h"
 #include "layer_objects.h"
 #include "posix_streams.h"
 
@@ -310,16 +311,8 @@ int cmd_backup(Options const& options, int argc, char** argv) {
   std::vector<std::string> roots;
   std::vector<std::wstring> bases;
   for (std::string const& s : sources) {
-    char resolved[PATH_MAX];
-    struct stat st {};
-    if (realpath(s.c_str(), resolved) == nullptr || stat(resolved, &st) != 0) {
-      std::fprintf(stderr, "%s: cannot use the source '%s': %s\n", kCommand, s.c_str(), std::strerror(errno));
-      return 1;
-    }
-    if (!S_ISDIR(st.st_mode)) {
-      std::fprintf(stderr, "%s: the source '%s' is not a directory\n", kCommand, s.c_str());
-      return 1;
-    }
+    std::string resolved;
+    if (int const rc = resolve_directory(kCommand, s, resolved)) return rc;
     std::wstring const base = base_name(resolved);
     if (base.empty())
       return usage_error(kCommand, "the source '" + s + "' is the root directory; name the directories below it");

@@ -12,7 +12,7 @@
 #include <qbfsys/stream_ids.h>
 
 #include "../commands.h"
-#include "archive_input.h"
+#include "input.h"
 #include "archive_names.h"
 #include "archive_reader.h"
 #include "arguments.h"
@@ -79,19 +79,9 @@ int cmd_ls(int argc, char** argv) {
     }
   }
   if (archive_name.empty()) return usage_error(kCommand, "no archive given");
-  std::string why;
-  int code = 1;
-  int const fd = open_archive(archive_name, why, code);
-  if (fd < 0) {
-    std::fprintf(stderr, "%s: %s\n", kCommand, why.c_str());
-    return code;
-  }
-  ArchiveReader reader(fd);
-  if (!reader.open(why)) {
-    std::fprintf(stderr, "%s: cannot read '%s': %s\n", kCommand, archive_name.c_str(), why.c_str());
-    if (fd != 0) close(fd);
-    return 1;
-  }
+  ArchiveInput input;
+  if (int const rc = input.open(archive_name, kCommand)) return rc;
+  ArchiveReader& reader = input.reader();
   std::string symlink, hardlink;
   std::uint32_t stream = STRM_INVALID;
   for (Event e = reader.next(); e.kind != EventKind::end; e = reader.next()) {
@@ -119,7 +109,6 @@ int cmd_ls(int argc, char** argv) {
                   e.verdict == Verdict::source_failed ? "  (incomplete: its reading failed at backup)" : "");
     }
   }
-  if (fd != 0) close(fd);
   EndState const& end = reader.end_state();
   if (!end.problem.empty()) std::fprintf(stderr, "%s: the archive is damaged: %s\n", kCommand, end.problem.c_str());
   std::fflush(stdout);

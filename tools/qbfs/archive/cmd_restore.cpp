@@ -27,7 +27,7 @@
 #include <qbfsys/qbfsys.h>
 
 #include "../commands.h"
-#include "archive_input.h"
+#include "input.h"
 #include "archive_names.h"
 #include "archive_reader.h"
 #include "arguments.h"
@@ -80,7 +80,6 @@ class RestoreJob {
         case EventKind::end: break;
       }
     }
-    leave_all();
   }
 
   std::uint64_t restored_ = 0, bytes_ = 0, failed_ = 0, damaged_ = 0;
@@ -98,41 +97,6 @@ class RestoreJob {
     console_.message(display_path(path) + ": " + why);
   }
 
-  void leave_all() {
-    while (!current_.empty()) {
-      t_.ChangeDirUp(hand_);
-      current_.pop_back();
-    }
-  }
-
-  // Makes `parent` the handle's current directory, creating what is missing.
-  bool go_to(Components const& parent, std::string& why) {
-    std::size_t common = 0;
-    while (common < current_.size() && common < parent.size() && current_[common] == parent[common]) ++common;
-    while (current_.size() > common) {
-      t_.ChangeDirUp(hand_);
-      current_.pop_back();
-    }
-    for (std::size_t k = common; k < parent.size(); ++k) {
-      DBLK dir{};
-      make_plain_directory(hand_, parent[k], &dir);
-      FS_STATUS status = t_.ChangeIntoDDB(hand_, &dir);
-      if (status != FS_SUCCESS) {
-        status = t_.CreateObj(hand_, &dir, nullptr, RESTORE_OVERWRITE);
-        if (status == FS_SUCCESS) status = t_.ChangeIntoDDB(hand_, &dir);
-        if (status == FS_SUCCESS && verbose_)
-          console_.message("created the missing directory " + display_path(Components(parent.begin(), parent.begin() + k + 1)));
-      }
-      t_.ReleaseBlk(hand_, &dir);
-      if (status != FS_SUCCESS) {
-        why = "its directory cannot be made: " + failure_text(hand_, status);
-        return false;
-      }
-      current_.push_back(parent[k]);
-    }
-    return true;
-  }
-
   void begin(ObjectEntry const& entry) {
     obj_ = nullptr;
     made_ = false;
@@ -140,7 +104,10 @@ class RestoreJob {
     if (!wanted(entry.components)) return;
     Components const parent(entry.components.begin(), entry.components.end() - 1);
     std::string why;
-    if (!go_to(parent, why)) return fail(entry.components, why);
+    auto note = [this](Components const& made) {
+      if (verbose_) console_.message("created the missing directory " + display_path(made));
+    };
+    if (!cursor_.go_to(parent, true, why, note)) return fail(entry.components, why);
     info_ = entry.os_info;
     blk_ = DBLK{};
     FS_STATUS status = make_block(hand_, entry.record, entry.components.back(), info_, &blk_);
@@ -206,7 +173,7 @@ class RestoreJob {
   Console& console_;
   bool verbose_;
   std::vector<Components> selection_;
-  Components current_;  // the handle's current directory below DIR
+  HandleCursor cursor_{hand_};
   DBLK blk_{};
   bool made_ = false;
   _FILE_HAND_STRUCT* obj_ = nullptr;
@@ -247,29 +214,11 @@ int cmd_restore(Options const& options, int argc, char** argv) {
   }
   if (archive_name.empty()) return usage_error(kCommand, "no archive given");
   if (directory.empty()) return usage_error(kCommand, "no target directory given (-C DIR)");
-  char resolved[PATH_MAX];
-  struct stat st {};
-  if (realpath(directory.c_str(), resolved) == nullptr || stat(resolved, &st) != 0) {
-    std::fprintf(stderr, "%s: cannot use the directory '%s': %s\n", kCommand, directory.c_str(), std::strerror(errno));
-    return 1;
-  }
-  if (!S_ISDIR(st.st_mode)) {
-    std::fprintf(stderr, "%s: '%s' is not a directory\n", kCommand, directory.c_str());
-    return 1;
-  }
-  std::string why;
-  int code = 1;
-  int const fd = open_archive(archive_name, why, code);
-  if (fd < 0) {
-    std::fprintf(stderr, "%s: %s\n", kCommand, why.c_str());
-    return code;
-  }
-  ArchiveReader reader(fd);
-  if (!reader.open(why)) {
-    std::fprintf(stderr, "%s: cannot read '%s': %s\n", kCommand, archive_name.c_str(), why.c_str());
-    if (fd != 0) close(fd);
-    return 1;
-  }
+  std::string resolved, why;
+  if (int const rc = resolve_directory(kCommand, directory, resolved)) return rc;
+  ArchiveInput input;
+  if (int const rc = input.open(archive_name, kCommand)) return rc;
+  ArchiveReader& reader = input.reader();
   Console console(kCommand, quiet, verbose);
   int rc = 0;
   std::uint64_t restored = 0, bytes = 0;
@@ -293,7 +242,6 @@ int cmd_restore(Options const& options, int argc, char** argv) {
       rest = grouped(job.damaged_) + " damaged, " + grouped(job.failed_) + " failed";
     }
   }
-  if (fd != 0) close(fd);
   if (!rest.empty()) console.summary(restored, bytes, rest, stdout);
   return rc;
 }

@@ -23,7 +23,7 @@
 
 #include "../commands.h"
 #include "archive_digest.h"
-#include "archive_input.h"
+#include "input.h"
 #include "archive_names.h"
 #include "archive_reader.h"
 #include "arguments.h"
@@ -82,17 +82,11 @@ struct Found {
 class Comparer {
  public:
   Comparer(FSYS_HAND_STRUCT* hand) : hand_(hand), t_(*hand->funcTable), buffer_(kReadBuffer) {}
-  ~Comparer() {
-    while (!current_.empty()) {
-      t_.ChangeDirUp(hand_);
-      current_.pop_back();
-    }
-  }
-
   Found look_up(Components const& path) {
     Found found;
     Components const parent(path.begin(), path.end() - 1);
-    if (!go_to(parent)) return found;
+    std::string why;
+    if (!cursor_.go_to(parent, false, why)) return found;
     std::wstring pattern = path.back();
     DBLK blk{};
     FS_STATUS s = t_.FindFirstObj(hand_, &blk, &pattern[0], 0);
@@ -105,24 +99,6 @@ class Comparer {
   }
 
  private:
-  bool go_to(Components const& parent) {
-    std::size_t common = 0;
-    while (common < current_.size() && common < parent.size() && current_[common] == parent[common]) ++common;
-    while (current_.size() > common) {
-      t_.ChangeDirUp(hand_);
-      current_.pop_back();
-    }
-    for (std::size_t k = common; k < parent.size(); ++k) {
-      DBLK dir{};
-      make_plain_directory(hand_, parent[k], &dir);
-      FS_STATUS const s = t_.ChangeIntoDDB(hand_, &dir);
-      t_.ReleaseBlk(hand_, &dir);
-      if (s != FS_SUCCESS) return false;
-      current_.push_back(parent[k]);
-    }
-    return true;
-  }
-
   void read(DBLK* blk, Found& found) {
     found.present = true;
     found.blk_type = blk->blk_type;
@@ -154,7 +130,7 @@ class Comparer {
   FSYS_HAND_STRUCT* hand_;
   _FUNC_LIST const& t_;
   std::vector<unsigned char> buffer_;
-  Components current_;
+  HandleCursor cursor_{hand_};
 };
 
 struct Tally {
@@ -249,31 +225,12 @@ int cmd_verify(Options const& options, int argc, char** argv) {
     }
   }
   if (archive_name.empty()) return usage_error(kCommand, "no archive given");
-  char resolved[PATH_MAX];
-  if (!against.empty()) {
-    struct stat st {};
-    if (realpath(against.c_str(), resolved) == nullptr || stat(resolved, &st) != 0) {
-      std::fprintf(stderr, "%s: cannot compare against '%s': %s\n", kCommand, against.c_str(), std::strerror(errno));
-      return 1;
-    }
-    if (!S_ISDIR(st.st_mode)) {
-      std::fprintf(stderr, "%s: cannot compare against '%s': it is not a directory\n", kCommand, against.c_str());
-      return 1;
-    }
-  }
-  std::string why;
-  int code = 1;
-  int const fd = open_archive(archive_name, why, code);
-  if (fd < 0) {
-    std::fprintf(stderr, "%s: %s\n", kCommand, why.c_str());
-    return code;
-  }
-  ArchiveReader reader(fd);
-  if (!reader.open(why)) {
-    std::fprintf(stderr, "%s: cannot read '%s': %s\n", kCommand, archive_name.c_str(), why.c_str());
-    if (fd != 0) close(fd);
-    return 1;
-  }
+  std::string resolved, why;
+  if (!against.empty())
+    if (int const rc = resolve_directory(kCommand, against, resolved)) return rc;
+  ArchiveInput input;
+  if (int const rc = input.open(archive_name, kCommand)) return rc;
+  ArchiveReader& reader = input.reader();
   Console console(kCommand, quiet, verbose);
   Tally tally;
   int rc = 0;
@@ -294,7 +251,6 @@ int cmd_verify(Options const& options, int argc, char** argv) {
       FS_DetachDLE(hand);
     }
   }
-  if (fd != 0) close(fd);
   if (rc != 0) return rc;
   EndState const& end = reader.end_state();
   if (!end.problem.empty()) console.message("the archive is damaged: " + end.problem);

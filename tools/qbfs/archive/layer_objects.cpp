@@ -106,3 +106,36 @@ FS_STATUS make_plain_directory(FSYS_HAND_STRUCT* hand, std::wstring const& name,
 }
 
 }  // namespace qbfs::archive
+
+namespace qbfs::archive {
+
+HandleCursor::~HandleCursor() {
+  for (; !current_.empty(); current_.pop_back()) hand_->funcTable->ChangeDirUp(hand_);
+}
+
+bool HandleCursor::go_to(Components const& dir, bool create, std::string& why,
+                         std::function<void(Components const&)> const& created) {
+  _FUNC_LIST const& t = *hand_->funcTable;
+  std::size_t common = 0;
+  while (common < current_.size() && common < dir.size() && current_[common] == dir[common]) ++common;
+  for (; current_.size() > common; current_.pop_back()) t.ChangeDirUp(hand_);
+  for (std::size_t k = common; k < dir.size(); ++k) {
+    DBLK block{};
+    make_plain_directory(hand_, dir[k], &block);
+    FS_STATUS status = t.ChangeIntoDDB(hand_, &block);
+    if (status != FS_SUCCESS && create) {
+      status = t.CreateObj(hand_, &block, nullptr, RESTORE_OVERWRITE);
+      if (status == FS_SUCCESS) status = t.ChangeIntoDDB(hand_, &block);
+      if (status == FS_SUCCESS && created) created(Components(dir.begin(), dir.begin() + k + 1));
+    }
+    t.ReleaseBlk(hand_, &block);
+    if (status != FS_SUCCESS) {
+      why = "its directory cannot be entered: " + failure_text(hand_, status);
+      return false;
+    }
+    current_.push_back(dir[k]);
+  }
+  return true;
+}
+
+}  // namespace qbfs::archive

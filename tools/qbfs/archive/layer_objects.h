@@ -3,6 +3,7 @@
 // on objects that backup, restore and verify share.
 #pragma once
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -12,6 +13,7 @@
 #include "../commands.h"
 #include "../layer_session.h"
 #include "archive_format.h"
+#include "archive_names.h"
 
 namespace qbfs::archive {
 
@@ -50,6 +52,26 @@ FS_STATUS make_block(FSYS_HAND_STRUCT* hand, ObjectRecord const& record, std::ws
                      std::vector<unsigned char>& os_info, DBLK* out);
 // A directory block named `name` with nothing else known of it.
 FS_STATUS make_plain_directory(FSYS_HAND_STRUCT* hand, std::wstring const& name, DBLK* out);
+
+// Moves a handle between directories below its root by name, the way the
+// archive's objects come (depth first). Goes back to the root when destroyed.
+class HandleCursor {
+ public:
+  explicit HandleCursor(FSYS_HAND_STRUCT* hand) : hand_(hand) {}
+  ~HandleCursor();
+  HandleCursor(HandleCursor const&) = delete;
+  HandleCursor& operator=(HandleCursor const&) = delete;
+
+  // Makes `dir` (components below the root) the current directory. With
+  // `create`, a missing directory is made as a plain one and `created` is
+  // told its path. False with `why` when a directory cannot be entered.
+  bool go_to(Components const& dir, bool create, std::string& why,
+             std::function<void(Components const&)> const& created = nullptr);
+
+ private:
+  FSYS_HAND_STRUCT* hand_;
+  Components current_;
+};
 
 // Decodes a string the layer handed out (UTF-8 for display).
 std::string narrow(std::wstring const& text);
