@@ -8,6 +8,7 @@
 // no object left to describe, and the walk goes on.
 #include <dirent.h>
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -38,6 +39,15 @@ bool matches(std::wstring const& spec, std::string const& bytes) {
   return FS_CompareFileSpec(&name[0], static_cast<short>(name.size()), &pattern[0],
                             static_cast<short>(pattern.size()), kCaseSensitive, kWholeName,
                             kClassicRules) == FS_SPEC_MATCH;
+}
+
+// True for a specification that only its own text matches: no wildcard,
+// and no trailing dot (which also matches a name without an extension).
+bool is_literal(std::wstring const& spec, std::string& bytes) {
+  if (spec.empty() || spec.find_first_of(L"*?") != std::wstring::npos || spec.back() == L'.')
+    return false;
+  return posix_encode_name(spec.data(), spec.size(), bytes) && bytes.find('/') == std::string::npos &&
+         bytes != "..";
 }
 
 }  // namespace
@@ -90,6 +100,16 @@ FS_STATUS posix_find_first_obj(FSYS_HAND_STRUCT* fsh, DBLK* blk, wchar_t* spec, 
   level.entry_at = level.entries_end = 0;
   level.listing = true;
   level.spec = spec == nullptr ? std::wstring() : std::wstring(spec);
+  std::string literal;
+  if (is_literal(level.spec, literal)) {
+    // A specification without wildcards names at most one object (names
+    // are compared case-sensitively): it is looked up instead of searched
+    // for, so finding one object costs the same in any directory.
+    level.listing = false;
+    struct stat st {};
+    if (fstatat(level.fd, literal.c_str(), &st, AT_SYMLINK_NOFOLLOW) != 0) return FS_STATUS_NONE;
+    return posix_fill_dblk(fsh, *state, blk, literal, st, level.found);
+  }
   return posix_find_next_obj(fsh, blk);
 }
 
