@@ -71,7 +71,11 @@ FS_STATUS posix_attach_to_dle(FSYS_HAND_STRUCT* fsh, GENERIC_DLE* dle, wchar_t*,
   struct stat st {};
   if (root >= 0 && fstat(root, &st) == 0) state->root_dev = st.st_dev;
   state->privileged = geteuid() == 0;
-  if (root >= 0) state->levels.push_back({std::string(), root, false, true, {}, 0, 0, {}, {}});
+  if (root >= 0) {
+    PosixLevel level;
+    level.fd = root;
+    state->levels.push_back(std::move(level));
+  }
   fsh->fsysData = state;
   return FS_SUCCESS;
 }

@@ -23,11 +23,35 @@ PosixHandleState* posix_state(FSYS_HAND_STRUCT* fsh) {
   return state->levels.empty() ? nullptr : state;
 }
 
+void posix_close_level(PosixLevel& level) {
+  if (level.made_fd >= 0) close(level.made_fd);
+  if (level.fd >= 0) close(level.fd);
+  level.made_fd = level.fd = -1;
+}
+
 void posix_close_levels(PosixHandleState& state) {
-  for (PosixLevel& level : state.levels) {
-    if (level.fd >= 0) close(level.fd);
-  }
+  for (PosixLevel& level : state.levels) posix_close_level(level);
   state.levels.clear();
+}
+
+void posix_keep_made_file(PosixHandleState& state, int fd, std::string const& name) {
+  PosixLevel& level = state.levels.back();
+  if (level.made_fd >= 0) close(level.made_fd);
+  level.made_fd = fd;
+  level.made_name = name;
+}
+
+int posix_take_made_file(PosixHandleState& state, std::string const& name) {
+  PosixLevel& level = state.levels.back();
+  if (level.made_fd < 0 || level.made_name != name) return -1;
+  int const fd = level.made_fd;
+  level.made_fd = -1;
+  return fd;
+}
+
+void posix_forget_made_file(PosixHandleState& state, std::string const& name) {
+  int const fd = posix_take_made_file(state, name);
+  if (fd >= 0) close(fd);
 }
 
 std::vector<std::string> posix_current_components(PosixHandleState const& state) {

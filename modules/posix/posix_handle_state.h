@@ -38,6 +38,11 @@ struct PosixLevel {
   std::size_t entry_at = 0, entries_end = 0;
   std::wstring spec;      // what the listing looks for; empty: everything
   POSIX_OS_INFO found{};  // OS info of the object the listing found last
+  // Restoring: the regular file CreateObj made here last, still open, for
+  // the OpenObj that usually follows (-1 when there is none). Owned; closed
+  // with the level.
+  int made_fd = -1;
+  std::string made_name;
 };
 
 // A directory made by the restore whose permissions, times and extended
@@ -74,8 +79,20 @@ struct PosixHandleState {
 // file-system element of this module.
 PosixHandleState* posix_state(FSYS_HAND_STRUCT* fsh);
 
+// Closes what a level holds open: its descriptor and the file it made.
+void posix_close_level(PosixLevel& level);
 // Closes every level's descriptor.
 void posix_close_levels(PosixHandleState& state);
+
+// Keeps `fd`, a regular file just made as `name` in the current
+// directory, for posix_take_made_file (one at a time; a former one is closed).
+void posix_keep_made_file(PosixHandleState& state, int fd, std::string const& name);
+// The descriptor kept for `name` in the current directory, handed over to
+// the caller; -1 when none is kept. Only a file made in the directory the
+// handle is still in is handed over: leaving a level closes its file.
+int posix_take_made_file(PosixHandleState& state, std::string const& name);
+// Forgets (closes) the file kept for `name` in the current directory.
+void posix_forget_made_file(PosixHandleState& state, std::string const& name);
 
 // The descriptor of the current directory (-1 when there is none).
 inline int posix_current_fd(PosixHandleState const& state) {

@@ -15,6 +15,7 @@
 #include <cerrno>
 #include <climits>
 #include <cstring>
+#include <utility>
 
 #include "posix_dblk.h"
 #include "posix_fsys.h"
@@ -27,8 +28,7 @@ constexpr short kWide = static_cast<short>(sizeof(wchar_t));
 constexpr std::size_t kRootRunLength = 1;  // characters of the root's run
 
 void pop_level(PosixHandleState& state) {
-  PosixLevel& level = state.levels.back();
-  if (level.fd >= 0) close(level.fd);
+  posix_close_level(state.levels.back());
   state.levels.pop_back();
 }
 
@@ -92,11 +92,14 @@ FS_STATUS enter(FSYS_HAND_STRUCT* fsh, PosixHandleState& state, std::size_t keep
       close_all(fresh);
       return FS_STATUS_NONE;
     }
-    fresh.push_back({name, fd, false, true, {}, 0, 0, {}, {}});
+    PosixLevel level;
+    level.name = name;
+    level.fd = fd;
+    fresh.push_back(std::move(level));
     base = fd;
   }
   while (state.levels.size() > keep + 1) pop_level(state);
-  for (PosixLevel& level : fresh) state.levels.push_back(level);
+  for (PosixLevel& level : fresh) state.levels.push_back(std::move(level));
   return FS_SUCCESS;
 }
 

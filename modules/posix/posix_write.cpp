@@ -51,18 +51,17 @@ int clear_way(int dirfd, std::string const& name, mode_t type) {
   return unlinkat(dirfd, name.c_str(), flags) == 0 ? 0 : errno;
 }
 
-int make_object(int dirfd, std::string const& name, POSIX_OS_INFO const& info, bool privileged) {
+// Makes the object; a regular file's descriptor, open for writing, goes to
+// `*file`. Returns 0 or an errno (EEXIST when the name is taken).
+int make_object(int dirfd, std::string const& name, POSIX_OS_INFO const& info, bool privileged,
+                int* file) {
   char const* n = name.c_str();
   mode_t const type = static_cast<mode_t>(info.mode) & S_IFMT;
   switch (type) {
     case S_IFDIR: return mkdirat(dirfd, n, kPrivateDir) == 0 ? 0 : errno;
-    case S_IFREG: {
-      int const fd =
-          openat(dirfd, n, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, kPrivateFile);
-      if (fd < 0) return errno;
-      close(fd);
-      return 0;
-    }
+    case S_IFREG:
+      *file = openat(dirfd, n, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, kPrivateFile);
+      return *file >= 0 ? 0 : errno;
     case S_IFIFO:
     case S_IFSOCK: return mknodat(dirfd, n, type | kPrivateFile, 0) == 0 ? 0 : errno;
     case S_IFCHR:
@@ -191,6 +190,7 @@ FS_STATUS posix_delete_obj(FSYS_HAND_STRUCT* fsh, DBLK* blk) {
   std::string name;
   if (state == nullptr || blk == nullptr || !posix_blk_name(blk, name)) return FS_ERR_BAD_PARAMETER;
   int const dirfd = posix_current_fd(*state);
+  posix_forget_made_file(*state, name);
   struct stat st {};
   if (fstatat(dirfd, name.c_str(), &st, AT_SYMLINK_NOFOLLOW) != 0)
     return errno == ENOENT ? FS_SUCCESS : posix_report(fsh, errno, posix_display_path(*state, name), L"could not be removed");
@@ -219,21 +219,33 @@ FS_STATUS posix_create_obj(FSYS_HAND_STRUCT* fsh, DBLK* blk, wchar_t const* name
   if (semantics == RESTORE_SKIP_EXISTING &&
       fstatat(dirfd, bytes.c_str(), &st, AT_SYMLINK_NOFOLLOW) == 0)
     return FS_STATUS_NONE;
-  int error = clear_way(dirfd, bytes, static_cast<mode_t>(info.mode));
-  if (error != 0 && error != EEXIST)
-    return posix_report(fsh, error, shown, L"object in the way could not be removed");
-  if (S_ISDIR(info.mode)) {
-    // Its metadata waits for detach, whether or not it is opened for its
-    // attributes; an existing directory is reused.
-    std::vector<std::string> path = posix_current_components(*state);
-    path.push_back(bytes);
-    state->deferred.push_back({std::move(path), info, {}});
-    if (error == EEXIST) return FS_SUCCESS;
+  posix_forget_made_file(*state, bytes);
+  // Made first, and the way cleared only when the name is taken: a restore
+  // into an empty directory then costs no look-up per object.
+  int file = -1;
+  int error = make_object(dirfd, bytes, info, state->privileged, &file);
+  if (error == EEXIST) {
+    error = clear_way(dirfd, bytes, static_cast<mode_t>(info.mode));
+    if (error != 0 && error != EEXIST)
+      return posix_report(fsh, error, shown, L"object in the way could not be removed");
+    // EEXIST: an existing directory is reused.
+    if (error == 0) error = make_object(dirfd, bytes, info, state->privileged, &file);
+    else error = 0;
   }
-  error = make_object(dirfd, bytes, info, state->privileged);
   if (error == EPERM && !state->privileged && (S_ISCHR(info.mode) || S_ISBLK(info.mode)))
     return posix_report(fsh, error, shown, L"device node needs privilege to be restored");
   if (error != 0) return posix_report(fsh, error, shown, L"could not be created");
+  if (S_ISDIR(info.mode)) {
+    // Its metadata waits for detach, whether or not it is opened for its
+    // attributes.
+    std::vector<std::string> path = posix_current_components(*state);
+    path.push_back(bytes);
+    state->deferred.push_back({std::move(path), info, {}});
+  }
+  // The new file stays open for the OpenObj that follows, so that one
+  // neither looks the name up again nor can be sent elsewhere by a name
+  // swapped in between.
+  if (file >= 0) posix_keep_made_file(*state, file, bytes);
   return FS_SUCCESS;
 }
 
@@ -248,7 +260,8 @@ FS_STATUS posix_open_write(FSYS_HAND_STRUCT* fsh, PosixObject& obj, DBLK* blk) {
   if (obj.dirfd < 0)
     return posix_report(fsh, errno, posix_object_path(obj), L"directory could not be held");
   if (S_ISREG(obj.info.mode)) {
-    obj.fd = openat(obj.dirfd, obj.name.c_str(), O_WRONLY | O_NOFOLLOW | O_CLOEXEC);
+    obj.fd = posix_take_made_file(state, obj.name);
+    if (obj.fd < 0) obj.fd = openat(obj.dirfd, obj.name.c_str(), O_WRONLY | O_NOFOLLOW | O_CLOEXEC);
     if (obj.fd < 0)
       return posix_report(fsh, errno, posix_object_path(obj), L"could not be opened for writing");
   }
