@@ -23,9 +23,20 @@ PosixHandleState* posix_state(FSYS_HAND_STRUCT* fsh) {
   return state->levels.empty() ? nullptr : state;
 }
 
+PosixDirHold::~PosixDirHold() { close(fd); }
+
+std::shared_ptr<PosixDirHold> posix_hold_current(PosixHandleState& state) {
+  PosixLevel& level = state.levels.back();
+  if (level.hold == nullptr) level.hold = std::make_shared<PosixDirHold>(level.fd);
+  return level.hold;
+}
+
 void posix_close_level(PosixLevel& level) {
   if (level.made_fd >= 0) close(level.made_fd);
-  if (level.fd >= 0) close(level.fd);
+  if (level.hold != nullptr)
+    level.hold.reset();
+  else if (level.fd >= 0)
+    close(level.fd);
   level.made_fd = level.fd = -1;
 }
 

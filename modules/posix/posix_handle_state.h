@@ -13,6 +13,7 @@
 #pragma once
 #include <cstdint>
 #include <map>
+#include <memory>
 #include <set>
 #include <string>
 #include <utility>
@@ -26,12 +27,24 @@
 
 namespace qbposix {
 
+// A level's directory descriptor once an object is restored in it: the
+// level and the objects open in it share it, and the last to let go closes
+// it, so an object outlives its level without a descriptor of its own.
+struct PosixDirHold {
+  explicit PosixDirHold(int descriptor) : fd(descriptor) {}
+  ~PosixDirHold();
+  PosixDirHold(PosixDirHold const&) = delete;
+  PosixDirHold& operator=(PosixDirHold const&) = delete;
+  int const fd;
+};
+
 // One directory of the current path; levels[0] is the attached root, and
 // the path below the root starts at levels[POSIX_FIRST_BELOW_ROOT].
 constexpr std::size_t POSIX_FIRST_BELOW_ROOT = 1;
 struct PosixLevel {
   std::string name;             // its name in the directory above (empty for the root)
-  int fd = -1;                  // O_DIRECTORY descriptor, owned
+  int fd = -1;                  // O_DIRECTORY descriptor, owned (through `hold` once set)
+  std::shared_ptr<PosixDirHold> hold;  // set when an object is restored here
   bool listing = false;         // a find is in progress here
   bool read_from_start = true;  // the descriptor's read position is still at the start
   std::vector<char> entries;    // directory entries read and not yet looked at
@@ -79,7 +92,10 @@ struct PosixHandleState {
 // file-system element of this module.
 PosixHandleState* posix_state(FSYS_HAND_STRUCT* fsh);
 
-// Closes what a level holds open: its descriptor and the file it made.
+// Shares the current level's descriptor with an object restored in it.
+std::shared_ptr<PosixDirHold> posix_hold_current(PosixHandleState& state);
+// Closes what a level holds open: its descriptor (unless an object still
+// shares it) and the file it made.
 void posix_close_level(PosixLevel& level);
 // Closes every level's descriptor.
 void posix_close_levels(PosixHandleState& state);

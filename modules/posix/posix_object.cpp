@@ -24,6 +24,7 @@ void reset(PosixObject& obj) {
   obj.stageMode = FS_STAGE_IDLE;
   obj.mode = FS_READ;
   obj.fd = obj.dirfd = -1;
+  obj.dir.reset();
   obj.name.clear();
   obj.place.clear();
   obj.info = POSIX_OS_INFO{};
@@ -64,7 +65,7 @@ PosixObject* posix_object_acquire(FSYS_HAND_STRUCT* fsh) {
 
 void posix_object_release(PosixObject* obj) {
   if (obj->fd >= 0) close(obj->fd);
-  if (obj->dirfd >= 0) close(obj->dirfd);
+  obj->dir.reset();
   obj->fd = obj->dirfd = -1;
   obj->busy = false;
   if (obj != obj->fsysHand->objHand) delete obj;
@@ -74,7 +75,7 @@ void posix_object_drop_own(FSYS_HAND_STRUCT* fsh) {
   auto* own = static_cast<PosixObject*>(fsh->objHand);
   if (own == nullptr) return;
   if (own->fd >= 0) close(own->fd);
-  if (own->dirfd >= 0) close(own->dirfd);
+  own->dir.reset();
   std::free(own->stageBuf);  // the layer's calloc'd buffer, when detach left one
   delete own;
   fsh->objHand = nullptr;

@@ -9,11 +9,13 @@
 // zeroed) and deleted at close; objHand is deleted when the handle lets go.
 #pragma once
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <vector>
 
 #include <qbfsys/file_hand.h>
 
+#include "posix_handle_state.h"
 #include "posix_streams.h"
 
 namespace qbposix {
@@ -31,7 +33,8 @@ struct PosixObject : _FILE_HAND_STRUCT {
   bool busy = false;  // open now (matters for the reused objHand)
   OPEN_MODE mode = FS_READ;
   int fd = -1;                     // the object itself, when it has one open
-  int dirfd = -1;                  // the directory it lies in (restoring)
+  int dirfd = -1;                  // the directory it lies in (restoring), kept open by `dir`
+  std::shared_ptr<PosixDirHold> dir;
   std::string name;                // its name there
   std::vector<std::string> place;  // restoring: its directory's components below the root
   POSIX_OS_INFO info{};            // reading: as opened; restoring: as described

@@ -256,9 +256,8 @@ FS_STATUS posix_open_write(FSYS_HAND_STRUCT* fsh, PosixObject& obj, DBLK* blk) {
     return posix_report(fsh, EINVAL, posix_object_path(obj),
                         L"block carries no stat record to restore from");
   if (S_ISDIR(obj.info.mode)) obj.place = posix_current_components(state);
-  obj.dirfd = fcntl(posix_current_fd(state), F_DUPFD_CLOEXEC, 0);
-  if (obj.dirfd < 0)
-    return posix_report(fsh, errno, posix_object_path(obj), L"directory could not be held");
+  obj.dir = posix_hold_current(state);
+  obj.dirfd = obj.dir->fd;
   if (S_ISREG(obj.info.mode)) {
     obj.fd = posix_take_made_file(state, obj.name);
     if (obj.fd < 0) obj.fd = openat(obj.dirfd, obj.name.c_str(), O_WRONLY | O_NOFOLLOW | O_CLOEXEC);
