@@ -116,20 +116,49 @@ bool posix_split_relative(std::string const& path, std::vector<std::string>& com
 void posix_finish_deferred(PosixHandleState& state) {
   if (state.levels.empty()) return;
   int const root = state.levels.front().fd;
+  // The directories along the path reopened last stay open: the list is in
+  // the order of the walk that made it, so the next directory mostly shares
+  // all but its last name with the one before, and only what differs is
+  // opened (one name at a time, never following a link).
+  std::vector<std::string> open_path;
+  std::vector<int> open_fds;
+  auto close_to = [&](std::size_t depth) {
+    while (open_fds.size() > depth) {
+      close(open_fds.back());
+      open_fds.pop_back();
+      open_path.pop_back();
+    }
+  };
   for (auto it = state.deferred.rbegin(); it != state.deferred.rend(); ++it) {
+    std::size_t common = 0;
+    while (common < open_path.size() && common < it->path.size() &&
+           open_path[common] == it->path[common])
+      ++common;
+    close_to(common);
+    int error = 0;
+    for (std::size_t k = common; k < it->path.size() && error == 0; ++k) {
+      int const base = open_fds.empty() ? root : open_fds.back();
+      int const fd =
+          openat(base, it->path[k].c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
+      if (fd < 0) {
+        error = errno;
+        break;
+      }
+      open_fds.push_back(fd);
+      open_path.push_back(it->path[k]);
+    }
     std::wstring shown;
     for (std::string const& c : it->path) shown += L"/" + posix_decode_name(c);
-    int const fd = posix_open_components(root, it->path);
-    if (fd < 0) {
-      posix_note(errno, shown, L"directory could not be reopened to set its metadata");
+    if (error != 0 || open_fds.size() != it->path.size()) {
+      posix_note(error, shown, L"directory could not be reopened to set its metadata");
       continue;
     }
+    int const fd = open_fds.empty() ? root : open_fds.back();
     wchar_t const* step = nullptr;
-    int const error =
-        posix_apply_metadata(fd, "", fd, it->info, it->xattrs, state.privileged, &step);
+    error = posix_apply_metadata(fd, "", fd, it->info, it->xattrs, state.privileged, &step);
     if (error != 0) posix_note(error, shown, step);
-    close(fd);
   }
+  close_to(0);
   state.deferred.clear();
 }
 
