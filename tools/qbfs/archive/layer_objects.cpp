@@ -1,11 +1,23 @@
 #include "layer_objects.h"
 
+#include <cstdlib>
+#include <ctime>
+
 #include <qbhost/strings.h>
 
 #include "../status_text.h"
 
 namespace qbfs::archive {
 namespace {
+
+// The layer gives each block it makes its dates in local time
+// (FS_CreateGenDBLK). With TZ unset the C library examines /etc/localtime
+// again at every conversion, one stat per object restored; naming that
+// same file in TZ has it read once for the run. A TZ already set is kept.
+void pin_time_zone() {
+  setenv("TZ", ":/etc/localtime", 0);
+  tzset();
+}
 
 GENERIC_DLE* find_root(_Q_HEADER const& list, std::wstring const& path) {
   for (_Q_ELEM* e = list.q_head; e != nullptr; e = e->q_next) {
@@ -23,6 +35,7 @@ std::wstring widen(std::string const& text) { return wcstring::from_utf8(text.da
 
 RootSession::RootSession(Options const& options, std::vector<std::string> const& roots)
     : options_(options) {
+  pin_time_zone();
   options_.roots.clear();
   for (std::string const& r : roots) {
     roots_.push_back(widen(r));
