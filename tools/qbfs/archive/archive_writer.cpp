@@ -1,5 +1,8 @@
 #include "archive_writer.h"
 
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <sys/uio.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -11,12 +14,26 @@
 namespace qbfs::archive {
 namespace {
 
-// Data is handed to the descriptor in writes of about this size.
-constexpr std::size_t kFlushAt = 4u << 20;
+// Data is handed to a file in writes of about this size.
+constexpr std::size_t kFileFlushAt = 4u << 20;
+// Into a pipe, writes of this size into a pipe of kPipeBytes: the reader
+// gets data while the writer goes on, where a pipe of the usual 64 KiB
+// filled by 4 MiB writes would have each side mostly waiting for the other.
+constexpr std::size_t kPipeFlushAt = 256u << 10;
+constexpr int kPipeBytes = 1 << 20;  // the kernel's usual limit for an unprivileged process
+// A data payload at least this large is written from where it lies.
+constexpr std::size_t kDirectPayload = 64u << 10;
 
 }  // namespace
 
-ArchiveWriter::ArchiveWriter(int fd) : fd_(fd) { buffer_.reserve(kFlushAt + kMaxObjectPayload); }
+ArchiveWriter::ArchiveWriter(int fd) : fd_(fd), flush_at_(kFileFlushAt) {
+  struct stat st {};
+  if (fstat(fd, &st) == 0 && S_ISFIFO(st.st_mode)) {
+    flush_at_ = kPipeFlushAt;
+    fcntl(fd, F_SETPIPE_SZ, kPipeBytes);  // a smaller pipe only costs speed
+  }
+  buffer_.reserve(flush_at_ + kDirectPayload + kMaxObjectPayload);
+}
 
 bool ArchiveWriter::begin() {
   ArchiveHeader header{};
@@ -35,7 +52,8 @@ bool ArchiveWriter::begin_object(ObjectRecord record, std::string const& path, v
   }
   record.number = objects_;
   record.path_size = static_cast<std::uint16_t>(path.size());
-  std::vector<unsigned char> payload(sizeof record + path.size() + record.os_info_size);
+  std::vector<unsigned char>& payload = record_;
+  payload.resize(sizeof record + path.size() + record.os_info_size);
   std::memcpy(payload.data(), &record, sizeof record);
   std::memcpy(payload.data() + sizeof record, path.data(), path.size());
   if (record.os_info_size > 0)
@@ -93,6 +111,12 @@ bool ArchiveWriter::frame(FrameKind kind, void const* payload, std::size_t size,
   header.kind = kind;
   header.length = static_cast<std::uint32_t>(size);
   header.crc = frame_crc(header, covered ? payload : nullptr, size);
+  if (kind == FRAME_DATA && size >= kDirectPayload) {
+    if (!error_.empty()) return false;
+    auto const* at = reinterpret_cast<unsigned char const*>(&header);
+    buffer_.insert(buffer_.end(), at, at + sizeof header);
+    return flush_with(payload, size);
+  }
   return put(&header, sizeof header) && put(payload, size);
 }
 
@@ -100,22 +124,31 @@ bool ArchiveWriter::put(void const* bytes, std::size_t size) {
   if (!error_.empty()) return false;
   auto const* at = static_cast<unsigned char const*>(bytes);
   buffer_.insert(buffer_.end(), at, at + size);
-  return buffer_.size() < kFlushAt || flush();
+  return buffer_.size() < flush_at_ || flush();
 }
 
-bool ArchiveWriter::flush() {
+bool ArchiveWriter::flush_with(void const* bytes, std::size_t size) {
   if (!error_.empty()) return false;
-  std::size_t done = 0;
-  while (done < buffer_.size()) {
-    ssize_t const n = ::write(fd_, buffer_.data() + done, buffer_.size() - done);
+  iovec parts[2] = {{buffer_.data(), buffer_.size()}, {const_cast<void*>(bytes), size}};
+  iovec* part = parts;
+  int count = size > 0 ? 2 : 1;
+  std::size_t left = buffer_.size() + size;
+  while (left > 0) {
+    ssize_t const n = ::writev(fd_, part, count);
     if (n < 0 && errno == EINTR) continue;
     if (n <= 0) {
       error_ = std::strerror(n < 0 ? errno : EIO);
       return false;
     }
-    done += static_cast<std::size_t>(n);
+    auto done = static_cast<std::size_t>(n);
+    written_ += done;
+    left -= done;
+    for (; count > 0 && done >= part->iov_len; --count, ++part) done -= part->iov_len;
+    if (count > 0) {
+      part->iov_base = static_cast<unsigned char*>(part->iov_base) + done;
+      part->iov_len -= done;
+    }
   }
-  written_ += done;
   buffer_.clear();
   return true;
 }

@@ -1,6 +1,8 @@
 // Writes an archive to a file descriptor (a file or a pipe), object by
 // object, in the order the layer delivers them. Output is buffered; data
-// reaches the descriptor in large writes.
+// reaches the descriptor in large writes, and a large data payload goes out
+// from the caller's buffer without being copied. Into a pipe the writes are
+// smaller and the pipe larger, so the reading end is kept busy.
 #pragma once
 #include <cstdint>
 #include <string>
@@ -40,10 +42,14 @@ class ArchiveWriter {
  private:
   bool frame(FrameKind kind, void const* payload, std::size_t size, bool covered);
   bool put(void const* bytes, std::size_t size);
-  bool flush();
+  bool flush() { return flush_with(nullptr, 0); }
+  // Writes what is buffered, then `size` bytes at `bytes`.
+  bool flush_with(void const* bytes, std::size_t size);
 
   int fd_;
+  std::size_t flush_at_;  // buffered bytes that make a write
   std::vector<unsigned char> buffer_;
+  std::vector<unsigned char> record_;  // an object record being put together
   std::string error_;
   Sha256 object_;
   Sha256 archive_;
