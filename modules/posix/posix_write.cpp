@@ -209,11 +209,11 @@ FS_STATUS posix_create_obj(FSYS_HAND_STRUCT* fsh, DBLK* blk, wchar_t const* name
                          : posix_blk_name(blk, bytes);
   POSIX_OS_INFO info{};
   if (state == nullptr || !named) return FS_ERR_BAD_PARAMETER;
-  std::wstring const shown = posix_display_path(*state, bytes);
+  auto shown = [&] { return posix_display_path(*state, bytes); };  // for reports only
   if (!posix_blk_info(blk, info) && blk->blk_type == DBLK_KIND_DDB)
-    return create_plain_directory(fsh, posix_current_fd(*state), bytes, shown);
+    return create_plain_directory(fsh, posix_current_fd(*state), bytes, shown());
   if (!posix_blk_info(blk, info))
-    return posix_report(fsh, EINVAL, shown, L"block carries no stat record to restore from");
+    return posix_report(fsh, EINVAL, shown(), L"block carries no stat record to restore from");
   int const dirfd = posix_current_fd(*state);
   struct stat st {};
   if (semantics == RESTORE_SKIP_EXISTING &&
@@ -227,14 +227,14 @@ FS_STATUS posix_create_obj(FSYS_HAND_STRUCT* fsh, DBLK* blk, wchar_t const* name
   if (error == EEXIST) {
     error = clear_way(dirfd, bytes, static_cast<mode_t>(info.mode));
     if (error != 0 && error != EEXIST)
-      return posix_report(fsh, error, shown, L"object in the way could not be removed");
+      return posix_report(fsh, error, shown(), L"object in the way could not be removed");
     // EEXIST: an existing directory is reused.
     if (error == 0) error = make_object(dirfd, bytes, info, state->privileged, &file);
     else error = 0;
   }
   if (error == EPERM && !state->privileged && (S_ISCHR(info.mode) || S_ISBLK(info.mode)))
-    return posix_report(fsh, error, shown, L"device node needs privilege to be restored");
-  if (error != 0) return posix_report(fsh, error, shown, L"could not be created");
+    return posix_report(fsh, error, shown(), L"device node needs privilege to be restored");
+  if (error != 0) return posix_report(fsh, error, shown(), L"could not be created");
   if (S_ISDIR(info.mode)) {
     // Its metadata waits for detach, whether or not it is opened for its
     // attributes.

@@ -146,20 +146,20 @@ class RestoreJob {
       obj_ = nullptr;
     }
     bool const directory = entry.record.blk_type == DBLK_KIND_DDB;
-    std::string const path = display_path(entry.components);
+    auto path = [&] { return display_path(entry.components); };  // for messages only
     if (e.verdict == Verdict::damaged) {
       ++damaged_;
-      console_.message("damaged: " + path + ": " + e.problem +
+      console_.message("damaged: " + path() + ": " + e.problem +
                        (!made_ ? "" : directory ? "; the directory is kept" : "; not restored"));
     } else if (e.verdict == Verdict::source_failed) {
       ++failed_;
-      console_.message(path + ": its reading failed at backup" +
+      console_.message(path() + ": its reading failed at backup" +
                        (!made_ ? "" : directory ? "; the directory is kept" : "; not restored"));
     } else if (!error_.empty()) {
       fail(entry.components, error_);
     } else if (made_) {
       ++restored_;
-      if (verbose_) console_.message("restored " + path);
+      if (verbose_) console_.message("restored " + path());
     }
     bool const keep = e.verdict == Verdict::intact && error_.empty();
     if (made_ && !keep && !directory && t_.DeleteObj != nullptr) t_.DeleteObj(hand_, &blk_);
