@@ -83,6 +83,9 @@ void show(char32_t cp, std::string& out) {
 
 bool encode_path(Components const& components, std::string& out) {
   out.clear();
+  std::size_t characters = 0;
+  for (std::wstring const& c : components) characters += c.size() + 1;
+  out.reserve(characters);  // the size of an ASCII path: one allocation for most
   for (std::wstring const& c : components) {
     if (!acceptable_component(c)) return false;
     if (!out.empty()) out += '/';
@@ -102,6 +105,13 @@ bool decode_path(std::string const& path, Components& out, std::string& why) {
     why = "the path is absolute";
     return false;
   }
+  // Each component is given room for its bytes, at least its characters,
+  // instead of growing a character at a time.
+  auto room = [&](std::size_t from) {
+    std::size_t const slash = path.find('/', from);
+    out.back().reserve((slash == std::string::npos ? path.size() : slash) - from);
+  };
+  room(0);
   for (std::size_t at = 0; at < path.size();) {
     char32_t cp = 0;
     if (!take_utf8(path, at, cp)) {
@@ -110,6 +120,7 @@ bool decode_path(std::string const& path, Components& out, std::string& why) {
     }
     if (cp == U'/') {
       out.emplace_back();
+      room(at);
     } else {
       out.back() += static_cast<wchar_t>(cp);
     }
