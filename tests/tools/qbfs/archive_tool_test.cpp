@@ -215,6 +215,18 @@ TEST(ArchiveExclusion, ExcludedPathsAreLeftOutAndReported) {
                   {"notes.txt", "sub/deep", "docs/final.txt", "build/cache/x/f", "logs/a.txt", "cache/c"});
 }
 
+// Disabled until the backup looks up directories by their whole path only:
+// a directory is also matched by its name alone, as if it lay at the top
+// ("--exclude cache" leaves out build/cache too), and its whole path is
+// looked up with an empty last component ("--exclude sub/deep" leaves out
+// nothing, "--exclude 'docs/*'" leaves out docs itself).
+TEST(ArchiveExclusion, DISABLED_DirectoryPathsAndPatternsNameTheirDirectoriesOnly) {
+  check_exclusion("--exclude cache --exclude sub/deep --exclude 'docs/*'",
+                  {{"cache", kOption}, {"sub/deep", kOption}, {"docs/draft.txt", kOption},
+                   {"docs/final.txt", kOption}, {"logs/a.log", kFile}},
+                  {"build/cache/x/f", "docs", "sub/UPPER.O", "top.o"});
+}
+
 // ---- archives read and written here ------------------------------------------------
 
 struct Stream {
@@ -481,6 +493,15 @@ INSTANTIATE_TEST_SUITE_P(
       for (char& c : name) c = std::isalnum(static_cast<unsigned char>(c)) ? c : '_';
       return name;
     });
+
+// Disabled until the restore refuses it: a file below a symbolic link the
+// archive made replaces the link by a directory without a word, and the
+// restore exits 0 (nothing is written outside).
+TEST(HostileArchive, DISABLED_FileBelowALinkIsRefused) {
+  check_hostile(Hostile{"file below a link",
+                        [](Parts const& p) { return Objects{p.symlink("src/s", p.outside), p.file("src/s/x")}; },
+                        "src/s/x: ", "src/s/x"});
+}
 
 // ---- bad usage -------------------------------------------------------------------
 
