@@ -177,9 +177,13 @@ void check_stream_ended(PosixObject& obj) {
 
 FS_STATUS create_plain_directory(FSYS_HAND_STRUCT* fsh, int dirfd, std::string const& name,
                                  std::wstring const& shown) {
-  int error = clear_way(dirfd, name, S_IFDIR);
-  if (error == EEXIST) return FS_SUCCESS;
-  if (error == 0 && mkdirat(dirfd, name.c_str(), kDefaultDir) != 0) error = errno;
+  // Nothing in the way is removed: with no description of its own, this
+  // directory has no claim on the name over what a restore put there.
+  struct stat st {};
+  if (fstatat(dirfd, name.c_str(), &st, AT_SYMLINK_NOFOLLOW) == 0)
+    return S_ISDIR(st.st_mode) ? FS_SUCCESS
+                               : posix_report(fsh, ENOTDIR, shown, L"another object holds the name of a directory to be made");
+  int const error = mkdirat(dirfd, name.c_str(), kDefaultDir) == 0 ? 0 : errno;
   return error == 0 ? FS_SUCCESS : posix_report(fsh, error, shown, L"could not be created");
 }
 

@@ -8,10 +8,12 @@
 //
 // Exclusion patterns become exclusion rules of each source's element and
 // the layer decides with them: FS_GetSpecialAttribs marks a file. A
-// directory's block only names the directory itself, so directories are
-// also looked up by their full path (DLE_GetExcludeReason, the same rules):
-// a person who excludes "build/cache" means that path. An excluded
-// directory is not walked.
+// directory's block names the directory alone, and FS_GetSpecialAttribs
+// would match "cache" against every directory of that name at any depth;
+// directories are looked up by their whole path instead
+// (DLE_GetExcludeReason, the same rules), so "build/cache" and "build"
+// mean those paths, as they do for files. An excluded directory is not
+// walked.
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -132,12 +134,15 @@ class BackupJob {
   }
 
   bool excluded(DBLK* blk, Components const& path) {
-    FS_GetSpecialAttribs(hand_, blk);
-    std::uint32_t reason = blk->obj_flags & (kReasonExcludeOption | kReasonExcludeFile);
-    if (reason == 0 && blk->blk_type == DBLK_KIND_DDB) {
+    std::uint32_t reason = 0;
+    if (blk->blk_type != DBLK_KIND_DDB) {
+      FS_GetSpecialAttribs(hand_, blk);
+      reason = blk->obj_flags & (kReasonExcludeOption | kReasonExcludeFile);
+    } else {
+      // Component form: each name ended by a NUL, the last NUL being the
+      // path's terminator.
       std::wstring run;
       for (std::size_t i = 1; i < path.size(); ++i) run += path[i] + L'\0';
-      run += L'\0';
       std::size_t const bytes = run.size() * sizeof(wchar_t);
       if (bytes <= SHRT_MAX)
         reason = DLE_GetExcludeReason(dle_, run.c_str(), static_cast<short>(bytes)) &

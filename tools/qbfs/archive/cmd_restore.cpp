@@ -92,9 +92,12 @@ class RestoreJob {
     return false;
   }
 
+  // A module's message may already begin with the object's path.
   void fail(Components const& path, std::string const& why) {
     ++failed_;
-    console_.message(display_path(path) + ": " + why);
+    std::string const shown = display_path(path);
+    bool const named = why.compare(0, shown.size() + 2, "/" + shown + ":") == 0;
+    console_.message(named ? why : shown + ": " + why);
   }
 
   void begin(ObjectEntry const& entry) {
@@ -231,15 +234,20 @@ int cmd_restore(Options const& options, int argc, char** argv) {
       console.message("cannot restore into '" + directory + "': " + why);
       rc = 1;
     } else {
-      RestoreJob job(hand, console, verbose, selection);
-      job.run(reader);
+      {
+        // The job steps its handle back to the root when it ends, so it
+        // ends before the handle is detached.
+        RestoreJob job(hand, console, verbose, selection);
+        job.run(reader);
+        if (job.failed_ > 0 || job.damaged_ > 0) rc = 1;
+        restored = job.restored_;
+        bytes = job.bytes_;
+        rest = grouped(job.damaged_) + " damaged, " + grouped(job.failed_) + " failed";
+      }
       FS_DetachDLE(hand);  // directories get their metadata here
       EndState const& end = reader.end_state();
       if (!end.problem.empty()) console.message("the archive is damaged: " + end.problem);
-      if (job.failed_ > 0 || job.damaged_ > 0 || end.damaged) rc = 1;
-      restored = job.restored_;
-      bytes = job.bytes_;
-      rest = grouped(job.damaged_) + " damaged, " + grouped(job.failed_) + " failed";
+      if (end.damaged) rc = 1;
     }
   }
   if (!rest.empty()) console.summary(restored, bytes, rest, stdout);
