@@ -13,13 +13,7 @@
 namespace {
 
 using qbtest::make_date;
-
-std::string show(_DATE_TIME const& d) {
-  char buf[64];
-  std::snprintf(buf, sizeof buf, "%s%04u-%02u-%02u %02u:%02u:%02u +%07u", d.date_valid ? "" : "(unset) ",
-                d.year, d.month, d.day, d.hour, d.minute, d.second, d.ticks);
-  return buf;
-}
+using qbtest::show;
 
 void use_zone(char const* zone) {
   ::setenv("TZ", zone, 1);
