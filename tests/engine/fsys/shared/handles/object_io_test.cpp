@@ -268,6 +268,7 @@ TEST_F(ObjectIo, StagingBuffersFollowTheirOwners) {
   dle.attach_count = 1;
   EXPECT_EQ(FS_DetachDLE(hand_), FS_SUCCESS);  // frees the own object handle's buffer
   EXPECT_EQ(own.stageBuf, nullptr);
+  EXPECT_EQ(own.stageCap, 0u);
   hand_ = nullptr;
   ASSERT_EQ(FS_OpenFileSys(&hand_, 3, &cfg_, &table_), FS_SUCCESS);  // for TearDown
 }
