@@ -62,29 +62,16 @@ inline std::string tree_difference(fs_property_tree const& a, fs_property_tree c
 
 inline std::string value_difference(fs_property_tree_value const& a, fs_property_tree_value const& b) {
   switch (a.type()) {
-    case fs_property_type::str:
-    case fs_property_type::xml:
-      return std::wstring(a.get_str_val()) == b.get_str_val() ? "" : "text differs";
-    case fs_property_type::lng: return a.get_lng_val() == b.get_lng_val() ? "" : "long differs";
-    case fs_property_type::ulng: return a.get_ulng_val() == b.get_ulng_val() ? "" : "ulong differs";
-    case fs_property_type::int32: return a.get_int32_val() == b.get_int32_val() ? "" : "int32 differs";
-    case fs_property_type::uint32:
-      return a.get_uint32_val() == b.get_uint32_val() ? "" : "uint32 differs";
-    case fs_property_type::int64: return a.get_int64_val() == b.get_int64_val() ? "" : "int64 differs";
-    case fs_property_type::uint64:
-      return a.get_uint64_val() == b.get_uint64_val() ? "" : "uint64 differs";
     case fs_property_type::dbl:
-      return same_floating(a.get_dbl_val(), b.get_dbl_val()) ? "" : "double differs";
     case fs_property_type::flt:
-      return same_floating(a.get_flt_val(), b.get_flt_val()) ? "" : "float differs";
-    case fs_property_type::ldbl:
-      return same_floating(a.get_ldbl_val(), b.get_ldbl_val()) ? "" : "long double differs";
-    case fs_property_type::boolean: return a.get_bool_val() == b.get_bool_val() ? "" : "bool differs";
+    case fs_property_type::ldbl:  // widening to long double is exact
+      return same_floating(a.get_ldbl_val(), b.get_ldbl_val()) ? "" : "number differs";
     case fs_property_type::guid: return *a.get_guid_val() == *b.get_guid_val() ? "" : "guid differs";
     case fs_property_type::bin: return a.get_bin_val() == b.get_bin_val() ? "" : "binary differs";
     case fs_property_type::tree: return tree_difference(a.sub_tree(), b.sub_tree(), "(sub-tree)");
+    default:  // text, and integers and bools, whose text form is exact
+      return std::wstring(a.get_str_val()) == b.get_str_val() ? "" : "value differs";
   }
-  return "unknown kind";
 }
 
 // Random trees with every kind, nesting, empty properties, odd strings.
