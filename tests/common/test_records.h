@@ -7,6 +7,7 @@
 
 #include <qbfsys/dle.h>
 #include <qbhost/datetime.h>
+#include <qbfsys/registry.h>
 #include <qbhost/queue.h>
 
 namespace qbtest {
@@ -32,6 +33,13 @@ inline std::string show(_DATE_TIME const& d) {
   std::snprintf(buf, sizeof buf, "%s%04u-%02u-%02u %02u:%02u:%02u +%07u", d.date_valid ? "" : "(unset) ",
                 d.year, d.month, d.day, d.hour, d.minute, d.second, d.ticks);
   return buf;
+}
+
+// The registry's tables, by file-system index.
+inline _FUNC_LIST* tables() {
+  _FUNC_LIST* t = nullptr;
+  get_func_tabs(&t);
+  return t;
 }
 
 // An empty tree head as FS_InitDleList makes one, without drive finding;

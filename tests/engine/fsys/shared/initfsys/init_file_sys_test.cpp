@@ -10,6 +10,7 @@
 #include <gtest/gtest.h>
 
 #include "capture.h"
+#include "test_records.h"
 #include <qbfsys/fs_init.h>
 #include <qbfsys/gen.h>
 #include <qbfsys/registry.h>
@@ -44,9 +45,7 @@ bool traced(qbtest::TraceCapture const& traces, std::string const& prefix, std::
 }
 
 bool is_generic(unsigned index) {
-  _FUNC_LIST* tables = nullptr;
-  get_func_tabs(&tables);
-  return std::memcmp(&tables[index], &_GENFuncTab, sizeof(_FUNC_LIST)) == 0;
+  return std::memcmp(&qbtest::tables()[index], &_GENFuncTab, sizeof(_FUNC_LIST)) == 0;
 }
 
 // Runs FS_InitFileSys over the given module files (paths in the test tree,
