@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <string>
+#include <vector>
 
 #include <qbfsys/dle.h>
 #include <qbhost/datetime.h>
@@ -33,6 +34,12 @@ inline std::string show(_DATE_TIME const& d) {
   std::snprintf(buf, sizeof buf, "%s%04u-%02u-%02u %02u:%02u:%02u +%07u", d.date_valid ? "" : "(unset) ",
                 d.year, d.month, d.day, d.hour, d.minute, d.second, d.ticks);
   return buf;
+}
+
+// A wide text's bytes, terminator included.
+inline std::vector<unsigned char> wide_bytes(std::wstring const& text) {
+  auto const* p = reinterpret_cast<unsigned char const*>(text.c_str());
+  return {p, p + (text.size() + 1) * sizeof(wchar_t)};
 }
 
 // The registry's tables, by file-system index.

@@ -31,6 +31,14 @@ template <class E, class F>
 
 namespace pt_test {
 
+// `levels` elements, each inside the one before.
+inline std::string nested(int levels, char const* open = "<a>") {
+  std::string s;
+  for (int i = 0; i < levels; ++i) s += open;
+  for (int i = 0; i < levels; ++i) s += "</a>";
+  return s;
+}
+
 inline bool same_floating(long double a, long double b) {
   if (std::isnan(a) || std::isnan(b)) return std::isnan(a) && std::isnan(b);
   return a == b && std::signbit(a) == std::signbit(b);

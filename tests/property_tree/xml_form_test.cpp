@@ -4,6 +4,8 @@
 
 namespace {
 
+using pt_test::nested;
+
 TEST(XmlForm, LongPropertyWithTwoValuesWritesTwoElementsAttributesOnTheFirst) {
   fs_property_tree_ptr tree = fs_property_tree_create("root");
   fs_property_tree_property& a = tree->add_lng_property("a", 1L);
@@ -139,13 +141,6 @@ TEST_P(BadInput, GivesTheExceptionObjectAndNoTree) {
                                           std::string()));
   ASSERT_EQ(tree->size(), 1u);
   EXPECT_EQ(tree->at(0).at(0).get_lng_val(), 1);
-}
-
-std::string nested(int levels, char const* open = "<a>") {
-  std::string s;
-  for (int i = 0; i < levels; ++i) s += open;
-  for (int i = 0; i < levels; ++i) s += "</a>";
-  return s;
 }
 
 bad_case const parser_messages[] = {
