@@ -1,6 +1,6 @@
 // Table of FS_CompareFileSpec cases: both modes, the flag bits and every
 // special rule (plain '*' and '?' in one component of letters and digits are
-// checked against textbook matching in compare_file_spec_hostile_test.cpp).
+// checked against textbook matching by the seeded reference test beside it).
 // Counts are those of the buffers: W() includes the terminator, U() does
 // not; L"a\0b" is a path in component form.
 #include <qbfsys/fs_filespec.h>
