@@ -41,16 +41,6 @@ class Cipher : public ::testing::Test {
   Context ctx_ = make_context(key_, iv_);
 };
 
-TEST_F(Cipher, RoundTripKeepsLength) {
-  ASSERT_NE(nullptr, ctx_);
-  Bytes const enc = run(ZymEncrypt, ctx_.get(), name_);
-  EXPECT_EQ(name_.size(), enc.size());
-  EXPECT_NE(name_, enc);
-  EXPECT_EQ(name_, run(ZymDecrypt, ctx_.get(), enc));
-  // Calls do not advance the IV: the same name encrypts the same way.
-  EXPECT_EQ(enc, run(ZymEncrypt, ctx_.get(), name_));
-}
-
 TEST_F(Cipher, MatchesAes256CtrWithTheGivenKeyAndIv) {
   Bytes expected(name_.size());
   EVP_CIPHER_CTX* evp = EVP_CIPHER_CTX_new();
@@ -96,7 +86,7 @@ TEST_F(Cipher, InPlaceAndEmptyInput) {
   unsigned int size = 0;
   ASSERT_EQ(ZYM_OK, ZymEncrypt(ctx_.get(), buffer.data(), static_cast<unsigned>(buffer.size()),
                                buffer.data(), static_cast<unsigned>(buffer.size()), &size));
-  EXPECT_EQ(run(ZymEncrypt, ctx_.get(), name_), buffer);
+  EXPECT_EQ(run(ZymEncrypt, ctx_.get(), name_), buffer);  // calls do not advance the IV
   EXPECT_EQ(ZYM_OK, ZymEncrypt(ctx_.get(), nullptr, 0, nullptr, 0, &size));
   EXPECT_EQ(0u, size);
 }

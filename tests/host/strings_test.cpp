@@ -42,35 +42,34 @@ INSTANTIATE_TEST_SUITE_P(
         Utf8Case{"invalid_lead", "\xFF", L"\uFFFD"}),
     [](auto const& info) { return std::string(info.param.name); });
 
-TEST(Strings, Utf8RoundTripOfEveryPlane) {
-  std::wstring const text = L"A\u00E9\u0416\u20AC\uFFFD\U00010348\U0010FFFF";
-  cstring const utf8 = wcstring(text).to_utf8();
-  EXPECT_EQ("A\xC3\xA9\xD0\x96\xE2\x82\xAC\xEF\xBF\xBD\xF0\x90\x8D\x88\xF4\x8F\xBF\xBF",
-            static_cast<std::string const&>(utf8));
-  EXPECT_EQ(text, wcstring::from_utf8(utf8.data(), utf8.size()));
-}
-
-TEST(Strings, UnencodableWideCharactersAreReplaced) {
-  std::wstring const bad{L'a', static_cast<wchar_t>(0xD800), static_cast<wchar_t>(0x110000),
-                         static_cast<wchar_t>(-1), L'b'};
-  cstring utf8;
-  utf8.assign(bad.data(), bad.size(), cstring::UTF8);
-  EXPECT_EQ("a\xEF\xBF\xBD\xEF\xBF\xBD\xEF\xBF\xBD" "b", static_cast<std::string const&>(utf8));
-
-  std::wstring const latin = L"\u00E9\u20ACx";
-  cstring acp;
-  acp.assign(latin.data(), latin.size(), cstring::ACP);
-  EXPECT_EQ("\xE9?x", static_cast<std::string const&>(acp));
-}
-
-TEST(Strings, AcpIsLatin1BothWays) {
-  std::string const bytes = "\x41\xE9\xFF\x80";
-  wcstring w;
-  w.assign(bytes.data(), bytes.size(), cstring::ACP);
-  EXPECT_EQ(std::wstring(L"A\u00E9\u00FF\u0080"), w);
-  cstring back;
-  back.assign(w.data(), w.size(), cstring::ACP);
-  EXPECT_EQ(bytes, back);
+// Encoding: UTF-8 for every plane, ACP as Latin-1; what a charset cannot
+// carry becomes U+FFFD (UTF-8) or '?' (ACP). Exact encodings decode back.
+TEST(Strings, EncodeAndDecodeBack) {
+  struct {
+    std::wstring wide;
+    cstring::codePage set;
+    std::string bytes;
+    bool round_trip;
+  } const cases[] = {
+      {L"A\u00E9\u0416\u20AC\uFFFD\U00010348\U0010FFFF", cstring::UTF8,
+       "A\xC3\xA9\xD0\x96\xE2\x82\xAC\xEF\xBF\xBD\xF0\x90\x8D\x88\xF4\x8F\xBF\xBF", true},
+      {{L'a', static_cast<wchar_t>(0xD800), static_cast<wchar_t>(0x110000), static_cast<wchar_t>(-1), L'b'},
+       cstring::UTF8, "a\xEF\xBF\xBD\xEF\xBF\xBD\xEF\xBF\xBD" "b", false},
+      {L"A\u00E9\u00FF\u0080", cstring::ACP, "\x41\xE9\xFF\x80", true},
+      {L"\u00E9\u20ACx", cstring::ACP, "\xE9?x", false},
+  };
+  for (auto const& c : cases) {
+    cstring bytes;
+    bytes.assign(c.wide.data(), c.wide.size(), c.set);
+    EXPECT_EQ(c.bytes, static_cast<std::string const&>(bytes));
+    if (c.set == cstring::UTF8) {
+      EXPECT_EQ(c.bytes, static_cast<std::string const&>(wcstring(c.wide).to_utf8()));
+    }
+    if (!c.round_trip) continue;
+    wcstring back;
+    back.assign(c.bytes.data(), c.bytes.size(), c.set);
+    EXPECT_EQ(c.wide, back);
+  }
 }
 
 TEST(Strings, NullTextConvertsAsEmpty) {

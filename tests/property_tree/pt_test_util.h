@@ -31,6 +31,14 @@ template <class E, class F>
 
 namespace pt_test {
 
+// `levels` elements, each inside the one before.
+inline std::string nested(int levels, char const* open = "<a>") {
+  std::string s;
+  for (int i = 0; i < levels; ++i) s += open;
+  for (int i = 0; i < levels; ++i) s += "</a>";
+  return s;
+}
+
 inline bool same_floating(long double a, long double b) {
   if (std::isnan(a) || std::isnan(b)) return std::isnan(a) && std::isnan(b);
   return a == b && std::signbit(a) == std::signbit(b);
@@ -62,29 +70,16 @@ inline std::string tree_difference(fs_property_tree const& a, fs_property_tree c
 
 inline std::string value_difference(fs_property_tree_value const& a, fs_property_tree_value const& b) {
   switch (a.type()) {
-    case fs_property_type::str:
-    case fs_property_type::xml:
-      return std::wstring(a.get_str_val()) == b.get_str_val() ? "" : "text differs";
-    case fs_property_type::lng: return a.get_lng_val() == b.get_lng_val() ? "" : "long differs";
-    case fs_property_type::ulng: return a.get_ulng_val() == b.get_ulng_val() ? "" : "ulong differs";
-    case fs_property_type::int32: return a.get_int32_val() == b.get_int32_val() ? "" : "int32 differs";
-    case fs_property_type::uint32:
-      return a.get_uint32_val() == b.get_uint32_val() ? "" : "uint32 differs";
-    case fs_property_type::int64: return a.get_int64_val() == b.get_int64_val() ? "" : "int64 differs";
-    case fs_property_type::uint64:
-      return a.get_uint64_val() == b.get_uint64_val() ? "" : "uint64 differs";
     case fs_property_type::dbl:
-      return same_floating(a.get_dbl_val(), b.get_dbl_val()) ? "" : "double differs";
     case fs_property_type::flt:
-      return same_floating(a.get_flt_val(), b.get_flt_val()) ? "" : "float differs";
-    case fs_property_type::ldbl:
-      return same_floating(a.get_ldbl_val(), b.get_ldbl_val()) ? "" : "long double differs";
-    case fs_property_type::boolean: return a.get_bool_val() == b.get_bool_val() ? "" : "bool differs";
+    case fs_property_type::ldbl:  // widening to long double is exact
+      return same_floating(a.get_ldbl_val(), b.get_ldbl_val()) ? "" : "number differs";
     case fs_property_type::guid: return *a.get_guid_val() == *b.get_guid_val() ? "" : "guid differs";
     case fs_property_type::bin: return a.get_bin_val() == b.get_bin_val() ? "" : "binary differs";
     case fs_property_type::tree: return tree_difference(a.sub_tree(), b.sub_tree(), "(sub-tree)");
+    default:  // text, and integers and bools, whose text form is exact
+      return std::wstring(a.get_str_val()) == b.get_str_val() ? "" : "value differs";
   }
-  return "unknown kind";
 }
 
 // Random trees with every kind, nesting, empty properties, odd strings.

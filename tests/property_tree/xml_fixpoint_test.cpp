@@ -8,13 +8,6 @@
 
 namespace {
 
-std::string nested(int levels) {
-  std::string s;
-  for (int i = 0; i < levels; ++i) s += "<e>";
-  for (int i = 0; i < levels; ++i) s += "</e>";
-  return s;
-}
-
 struct fixpoint_case {
   char const* label;
   std::string xml;
@@ -37,7 +30,7 @@ fixpoint_case const fixpoint_cases[] = {
     {"mixed content in a nested tree",
      "<r><t><x type=\"xml\" count=\"2\">1<b/></x><x>2<c/>3</x></t></r>"},
     {"xml value nested beyond the tree limit",
-     "<r><x type=\"xml\">" + nested(static_cast<int>(fs_property_tree_max_depth) + 40) +
+     "<r><x type=\"xml\">" + pt_test::nested(static_cast<int>(fs_property_tree_max_depth) + 40) +
          "</x></r>"},
     {"blank-only string", "<r><s>&#32;&#9;</s></r>"},
     // These passed before as well; they guard the printer's CDATA and

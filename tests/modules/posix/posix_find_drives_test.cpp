@@ -14,6 +14,7 @@
 #include <gtest/gtest.h>
 
 #include "capture.h"
+#include "test_records.h"
 #include "posix_dle_data.h"
 #include <qbfsys/dle.h>
 #include <qbfsys/fs_init.h>
@@ -25,13 +26,10 @@ namespace {
 
 std::wstring Wide(std::string const& s) { return std::wstring(s.begin(), s.end()); }
 
-struct Node {
-  std::wstring device, simple;
-  std::uint32_t type, subtype;
-  wchar_t delimiter;
-};
-Node Describe(GENERIC_DLE* d) {
-  return Node{d->device_name, DLE_GetSimpleName(d), d->type, d->subtype, d->name_delimiter};
+// "<device> <simple name> <type>/<subtype> <delimiter>"
+std::wstring Describe(GENERIC_DLE* d) {
+  return std::wstring(d->device_name) + L" " + DLE_GetSimpleName(d) + L" " + std::to_wstring(d->type) + L"/" +
+         std::to_wstring(d->subtype) + L" " + d->name_delimiter;
 }
 
 std::vector<GENERIC_DLE*> Children(GENERIC_DLE* parent) {
@@ -53,9 +51,7 @@ class PosixModule : public ::testing::Test {
     std::wstring module = Wide(QB_TEST_MODULE_DIR "/libqbposix.so");
     wchar_t const* modules[] = {module.c_str(), nullptr};
     ASSERT_EQ(FS_InitFileSys(&cfg_, ~0ull, modules, 1), FS_SUCCESS);
-    _FUNC_LIST* tables = nullptr;
-    get_func_tabs(&tables);
-    table_ = &tables[7];
+    table_ = &qbtest::tables()[7];
     ASSERT_NE(table_->FindDrives, nullptr) << "the module did not fill index 7";
   }
   void TearDown() override {
@@ -90,12 +86,7 @@ TEST_F(PosixModule, ConfiguredRootsBecomeChildrenOfTheMachine) {
 
   GENERIC_DLE* machine = OnlyMachine();
   ASSERT_NE(machine, nullptr);
-  Node m = Describe(machine);
-  EXPECT_EQ(m.device, L"\\\\unit-host");
-  EXPECT_EQ(m.simple, L"unit-host");
-  EXPECT_EQ(m.type, 7u);
-  EXPECT_EQ(m.subtype, 1u);
-  EXPECT_EQ(m.delimiter, L'\\');
+  EXPECT_EQ(Describe(machine), L"\\\\unit-host unit-host 7/1 \\");
   EXPECT_EQ(machine->parent, nullptr);
 
   auto children = Children(machine);
@@ -106,12 +97,7 @@ TEST_F(PosixModule, ConfiguredRootsBecomeChildrenOfTheMachine) {
     return QB::stricmp_internal(x.c_str(), y.c_str()) < 0;
   });
   for (std::size_t i = 0; i < children.size(); ++i) {
-    Node c = Describe(children[i]);
-    EXPECT_EQ(c.device, expected[i]);
-    EXPECT_EQ(c.simple, expected[i]);
-    EXPECT_EQ(c.type, 7u);
-    EXPECT_EQ(c.subtype, 2u);
-    EXPECT_EQ(c.delimiter, L'/');
+    EXPECT_EQ(Describe(children[i]), expected[i] + L" " + expected[i] + L" 7/2 /");
     EXPECT_EQ(children[i]->parent, machine);
     ASSERT_NE(children[i]->fsys_data, nullptr);
     auto* data = static_cast<qbposix::PosixDleData*>(children[i]->fsys_data);
@@ -228,6 +214,9 @@ namespace {
 // Attaching real file-system elements through the layer.
 class PosixAttach : public PosixModule {
  protected:
+  FS_STATUS Attach(FSYS_HAND_STRUCT** hand, GENERIC_DLE* dle) {
+    return FS_AttachToDLE(hand, dle, &cfg_, nullptr, nullptr, 0, 0, nullptr, nullptr, 0, nullptr, false);
+  }
   GENERIC_DLE* Root(std::string const& dir) {
     std::wstring name = Wide(dir);
     for (GENERIC_DLE* d : Children(OnlyMachine()))
@@ -250,9 +239,7 @@ TEST_F(PosixAttach, AttachesAndDetachesAFileSystemElement) {
   GENERIC_DLE* dle = Root(dir_a_);
   ASSERT_NE(dle, nullptr);
   FSYS_HAND_STRUCT* hand = nullptr;
-  ASSERT_EQ(FS_AttachToDLE(&hand, dle, &cfg_, nullptr, nullptr, 0, 0, nullptr, nullptr, 0, nullptr,
-                           false),
-            FS_SUCCESS);
+  ASSERT_EQ(Attach(&hand, dle), FS_SUCCESS);
   ASSERT_NE(hand, nullptr);
   EXPECT_EQ(dle->attach_count, 1);
   EXPECT_TRUE(messages_.has(L"Attach to: " + Wide(dir_a_)));
@@ -262,9 +249,7 @@ TEST_F(PosixAttach, AttachesAndDetachesAFileSystemElement) {
 
   // The machine element attaches too; its children stay usable (it is local).
   GENERIC_DLE* machine = OnlyMachine();
-  ASSERT_EQ(FS_AttachToDLE(&hand, machine, &cfg_, nullptr, nullptr, 0, 0, nullptr, nullptr, 0,
-                           nullptr, false),
-            FS_SUCCESS);
+  ASSERT_EQ(Attach(&hand, machine), FS_SUCCESS);
   for (GENERIC_DLE* child : Children(machine)) EXPECT_EQ(child->status_flags, 0u);
   EXPECT_EQ(FS_DetachDLE(hand), FS_SUCCESS);
 }
@@ -275,9 +260,7 @@ TEST_F(PosixAttach, VanishedDirectoryIsReportedThroughTheLastError) {
   ASSERT_NE(dle, nullptr);
   ASSERT_EQ(rmdir(dir_b_.c_str()), 0);
   FSYS_HAND_STRUCT* hand = nullptr;
-  EXPECT_EQ(FS_AttachToDLE(&hand, dle, &cfg_, nullptr, nullptr, 0, 0, nullptr, nullptr, 0, nullptr,
-                           false),
-            FS_STATUS_EXT_ERROR);
+  EXPECT_EQ(Attach(&hand, dle), FS_STATUS_EXT_ERROR);
   ASSERT_NE(hand, nullptr);  // kept so that the caller can read why
   FS_EXT_ERR_ACTION action = FS_EXT_ERR_ACTION_NONE;
   unsigned extra = 1;
@@ -298,9 +281,7 @@ TEST_F(PosixAttach, ElementsOfOtherFileSystemsAreRefused) {
   GENERIC_DLE* stranger = nullptr;
   ASSERT_EQ(DLE_Create(head_, nullptr, L"stranger", 7, 2, L'/', &stranger), FS_SUCCESS);
   FSYS_HAND_STRUCT* hand = reinterpret_cast<FSYS_HAND_STRUCT*>(&hand);
-  EXPECT_EQ(FS_AttachToDLE(&hand, stranger, &cfg_, nullptr, nullptr, 0, 0, nullptr, nullptr, 0,
-                           nullptr, false),
-            FS_ERR_NOT_SUPPORTED);
+  EXPECT_EQ(Attach(&hand, stranger), FS_ERR_NOT_SUPPORTED);
   EXPECT_EQ(hand, nullptr);
   EXPECT_EQ(stranger->attach_count, 0);
 }

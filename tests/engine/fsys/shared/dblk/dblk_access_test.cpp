@@ -130,17 +130,11 @@ TEST(DblkIds, OsIdAndVersionAreWidened) {
   FS_GetDataIdQbdsIdQbdsVerFromDBLK(&blk, nullptr, nullptr, nullptr);
 }
 
-TEST(DblkDelimiters, EveryClassWhateverTheVersion) {
-  std::pair<std::vector<unsigned short>, unsigned short> const classes[] = {
-      {{3, 4, 5, 21}, L':'},
-      {{20, 49, 57, 62, 72, 85}, L'/'},
-      {{32, 38, 39, 56, 58, 64, 70, 80, 84}, 0xF026},
-      {{0, 1, 2, 6, 22, 33, 86, 255, 65535}, L'\\'},
-  };
-  for (auto const& [ids, delimiter] : classes)
-    for (unsigned short id : ids)
-      for (unsigned short version : {0, 1, 0xFFFF})
-        EXPECT_EQ(FS_GetDelimiterFromOSID(id, version), delimiter) << "id " << id;
+// One OS id of each delimiter class, and an id no class lists.
+TEST(DblkDelimiters, ByClassWhateverTheVersion) {
+  std::pair<unsigned short, unsigned short> const classes[] = {{21, L':'}, {85, L'/'}, {38, 0xF026}, {86, L'\\'}};
+  for (auto const& [id, delimiter] : classes)
+    for (unsigned short version : {0, 1, 0xFFFF}) EXPECT_EQ(FS_GetDelimiterFromOSID(id, version), delimiter) << "id " << id;
 }
 
 }  // namespace

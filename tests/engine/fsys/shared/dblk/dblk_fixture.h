@@ -33,20 +33,27 @@ inline FakeFs& fake() {
   return fs;
 }
 
+// Each operation counts its call on the road it came by.
 namespace fake_ops {
-inline FS_STATUS mod_attrib(int which, int direction, unsigned int* word) {
+inline FS_STATUS mod_attrib(int& calls, int which, int direction, unsigned int* word) {
+  ++calls;
   if (direction == 0) *word = fake().attrib[which];
   else fake().attrib[which] = *word;
   return FS_SUCCESS;
 }
-inline FS_STATUS sizeof_os_info() { return static_cast<FS_STATUS>(fake().os_info.size()); }
-inline FS_STATUS get_os_info(unsigned char* buffer, short* capacity) {
+inline FS_STATUS sizeof_os_info(int& calls) {
+  ++calls;
+  return static_cast<FS_STATUS>(fake().os_info.size());
+}
+inline FS_STATUS get_os_info(int& calls, unsigned char* buffer, short* capacity) {
+  ++calls;
   fake().last_capacity = *capacity;
   std::memcpy(buffer, fake().os_info.data(), fake().os_info.size());
   *capacity = static_cast<short>(fake().os_info.size());
   return FS_SUCCESS;
 }
-inline FS_STATUS create(_CREATE_DBLK* request) {
+inline FS_STATUS create(int& calls, _CREATE_DBLK* request) {
+  ++calls;
   _DATE_TIME const* dates[6] = {request->gen.cdate, request->gen.mdate, request->gen.bdate,
                                 request->gen.adate, request->gen.ext_date1, request->gen.ext_date2};
   for (int i = 0; i < 6; ++i) {
@@ -55,79 +62,43 @@ inline FS_STATUS create(_CREATE_DBLK* request) {
   }
   return fake().create_result;
 }
-inline FS_STATUS sizeof_os_name() {
+inline FS_STATUS sizeof_os_name(int& calls) {
+  ++calls;
   return static_cast<FS_STATUS>((fake().os_name.size() + 1) * sizeof(wchar_t));
 }
-inline FS_STATUS get_os_name(wchar_t* buffer) {
+inline FS_STATUS get_os_name(int& calls, wchar_t* buffer) {
+  ++calls;
   std::wmemcpy(buffer, fake().os_name.c_str(), fake().os_name.size() + 1);
   return FS_SUCCESS;
 }
 }  // namespace fake_ops
 
 inline _FUNC_LIST fake_table() {
+  using namespace fake_ops;
   _FUNC_LIST t{};
-  t.ModAttrib1DBLK = [](FSYS_HAND_STRUCT*, int d, DBLK*, unsigned int* w) {
-    ++fake().table_calls;
-    return fake_ops::mod_attrib(0, d, w);
-  };
-  t.ModAttrib2DBLK = [](FSYS_HAND_STRUCT*, int d, DBLK*, unsigned int* w) {
-    ++fake().table_calls;
-    return fake_ops::mod_attrib(1, d, w);
-  };
-  t.SizeofOSInfo = [](FSYS_HAND_STRUCT*, DBLK*) {
-    ++fake().table_calls;
-    return fake_ops::sizeof_os_info();
-  };
-  t.GetOS_InfoDBLK = [](FSYS_HAND_STRUCT*, DBLK*, unsigned char* b, short* c) {
-    ++fake().table_calls;
-    return fake_ops::get_os_info(b, c);
-  };
-  t.CreateDBLK = [](FSYS_HAND_STRUCT*, unsigned int, _CREATE_DBLK* r) {
-    ++fake().table_calls;
-    return fake_ops::create(r);
-  };
-  t.SizeofOSName = [](FSYS_HAND_STRUCT*, DBLK*, bool) {
-    ++fake().table_calls;
-    return fake_ops::sizeof_os_name();
-  };
-  t.GetOSName = [](FSYS_HAND_STRUCT*, DBLK*, wchar_t* b, bool) {
-    ++fake().table_calls;
-    return fake_ops::get_os_name(b);
-  };
+  t.ModAttrib1DBLK = [](FSYS_HAND_STRUCT*, int d, DBLK*, unsigned int* w) { return mod_attrib(fake().table_calls, 0, d, w); };
+  t.ModAttrib2DBLK = [](FSYS_HAND_STRUCT*, int d, DBLK*, unsigned int* w) { return mod_attrib(fake().table_calls, 1, d, w); };
+  t.SizeofOSInfo = [](FSYS_HAND_STRUCT*, DBLK*) { return sizeof_os_info(fake().table_calls); };
+  t.GetOS_InfoDBLK = [](FSYS_HAND_STRUCT*, DBLK*, unsigned char* b, short* c) { return get_os_info(fake().table_calls, b, c); };
+  t.CreateDBLK = [](FSYS_HAND_STRUCT*, unsigned int, _CREATE_DBLK* r) { return create(fake().table_calls, r); };
+  t.SizeofOSName = [](FSYS_HAND_STRUCT*, DBLK*, bool) { return sizeof_os_name(fake().table_calls); };
+  t.GetOSName = [](FSYS_HAND_STRUCT*, DBLK*, wchar_t* b, bool) { return get_os_name(fake().table_calls, b); };
   return t;
 }
 
 class FakeAdapter : public TestAdapter {
  public:
   explicit FakeAdapter(TestAdapterControl* control) : TestAdapter(control) {}
-  FS_STATUS ModAttrib1DBLK(FSYS_HAND_STRUCT*, int d, DBLK*, unsigned int* w) override {
-    ++fake().adapter_calls;
-    return fake_ops::mod_attrib(0, d, w);
-  }
-  FS_STATUS ModAttrib2DBLK(FSYS_HAND_STRUCT*, int d, DBLK*, unsigned int* w) override {
-    ++fake().adapter_calls;
-    return fake_ops::mod_attrib(1, d, w);
-  }
-  FS_STATUS SizeofQbdsInfo(FSYS_HAND_STRUCT*, DBLK*) override {
-    ++fake().adapter_calls;
-    return fake_ops::sizeof_os_info();
-  }
-  FS_STATUS GetQbdsInfoDBLK(FSYS_HAND_STRUCT*, DBLK*, unsigned char* b, short* c) override {
-    ++fake().adapter_calls;
-    return fake_ops::get_os_info(b, c);
-  }
-  FS_STATUS CreateGenDBLK(FSYS_HAND_STRUCT*, unsigned int, _CREATE_DBLK* r) override {
-    ++fake().adapter_calls;
-    return fake_ops::create(r);
-  }
-  FS_STATUS SizeofOSName(FSYS_HAND_STRUCT*, DBLK*, bool) override {
-    ++fake().adapter_calls;
-    return fake_ops::sizeof_os_name();
-  }
-  FS_STATUS GetOSName(FSYS_HAND_STRUCT*, DBLK*, wchar_t* b, bool) override {
-    ++fake().adapter_calls;
-    return fake_ops::get_os_name(b);
-  }
+  FS_STATUS ModAttrib1DBLK(FSYS_HAND_STRUCT*, int d, DBLK*, unsigned int* w) override { return fake_ops::mod_attrib(calls(), 0, d, w); }
+  FS_STATUS ModAttrib2DBLK(FSYS_HAND_STRUCT*, int d, DBLK*, unsigned int* w) override { return fake_ops::mod_attrib(calls(), 1, d, w); }
+  FS_STATUS SizeofQbdsInfo(FSYS_HAND_STRUCT*, DBLK*) override { return fake_ops::sizeof_os_info(calls()); }
+  FS_STATUS GetQbdsInfoDBLK(FSYS_HAND_STRUCT*, DBLK*, unsigned char* b, short* c) override { return fake_ops::get_os_info(calls(), b, c); }
+  FS_STATUS CreateGenDBLK(FSYS_HAND_STRUCT*, unsigned int, _CREATE_DBLK* r) override { return fake_ops::create(calls(), r); }
+  FS_STATUS SizeofOSName(FSYS_HAND_STRUCT*, DBLK*, bool) override { return fake_ops::sizeof_os_name(calls()); }
+  FS_STATUS GetOSName(FSYS_HAND_STRUCT*, DBLK*, wchar_t* b, bool) override { return fake_ops::get_os_name(calls(), b); }
+
+ private:
+  static int& calls() { return fake().adapter_calls; }
 };
 
 // A handle on the fake table; `use_adapter()` puts the adapter in front.

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "dblk_fixture.h"
+#include "test_records.h"
 
 namespace {
 
@@ -22,10 +23,7 @@ struct SetupCase {
   std::uint16_t element_size;
 };
 
-std::vector<unsigned char> wide_bytes(std::wstring const& text) {
-  auto const* p = reinterpret_cast<unsigned char const*>(text.c_str());
-  return {p, p + (text.size() + 1) * sizeof(wchar_t)};
-}
+using qbtest::wide_bytes;
 
 TEST_F(DblkTest, NamesAreSetUpWidenedAndBounded) {
   std::vector<unsigned char> const hello = {'h', 'e', 'l', 'l', 'o'};

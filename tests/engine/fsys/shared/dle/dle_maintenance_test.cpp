@@ -2,6 +2,8 @@
 // tables and a real module, removal, flushing, children checks.
 #include <dlfcn.h>
 
+#include <cstring>
+
 #include "dle_fixture.h"
 #include <qbfsys/gen.h>
 
@@ -31,11 +33,9 @@ FS_STATUS remove_recording(GENERIC_DLE* dle) {
   return GEN_RemoveDLE(dle);
 }
 
-_FUNC_LIST* tables() {
-  _FUNC_LIST* t = nullptr;
-  get_func_tabs(&t);
-  return t;
-}
+using qbtest::tables;
+
+char const* const kFindModule = QB_TEST_MODULE_DIR "/libdle_find_module.so";
 
 class DleLists : public DleTest {
  protected:
@@ -48,14 +48,17 @@ class DleLists : public DleTest {
     DleTest::TearDown();
     for (auto& v : find_order) v = 0;
   }
+  // Starts the layer again with the drive-finding module (index 15).
+  void start_with_find_module() {
+    FS_RemoveFileSys();
+    std::wstring const path(kFindModule, kFindModule + std::strlen(kFindModule));
+    wchar_t const* list[] = {path.c_str(), nullptr};
+    ASSERT_EQ(FS_InitFileSys(&cfg_, 0, list, 1), FS_SUCCESS);
+  }
 };
 
 TEST_F(DleLists, FindDrivesRunsInPassesAcrossTablesAndARealModule) {
-  FS_RemoveFileSys();
-  std::string path = std::string(QB_TEST_MODULE_DIR) + "/libdle_find_module.so";
-  std::wstring wpath(path.begin(), path.end());
-  wchar_t const* list[] = {wpath.c_str(), nullptr};
-  ASSERT_EQ(FS_InitFileSys(&cfg_, 0, list, 1), FS_SUCCESS);
+  ASSERT_NO_FATAL_FAILURE(start_with_find_module());
   ASSERT_EQ(find_order[15], 1);
 
   tables()[3].FindDrives = find_recording<3>;
@@ -84,7 +87,7 @@ TEST_F(DleLists, FindDrivesRunsInPassesAcrossTablesAndARealModule) {
   EXPECT_EQ(g_calls, (std::vector<int>{4, 9, 3, -1}));
 
   FS_DeinitDleList(head);
-  void* module = dlopen(path.c_str(), RTLD_LAZY | RTLD_NOLOAD);
+  void* module = dlopen(kFindModule, RTLD_LAZY | RTLD_NOLOAD);
   ASSERT_NE(module, nullptr);
   auto removed = reinterpret_cast<int (*)()>(dlsym(module, "fm_removed"));
   EXPECT_EQ(removed(), 4);  // two rounds of drive finding, two elements each
@@ -92,11 +95,7 @@ TEST_F(DleLists, FindDrivesRunsInPassesAcrossTablesAndARealModule) {
 }
 
 TEST_F(DleLists, FailingModuleIsReportedAndTheOthersGoOn) {
-  FS_RemoveFileSys();
-  std::string path = std::string(QB_TEST_MODULE_DIR) + "/libdle_find_module.so";
-  std::wstring wpath(path.begin(), path.end());
-  wchar_t const* list[] = {wpath.c_str(), nullptr};
-  ASSERT_EQ(FS_InitFileSys(&cfg_, 0, list, 1), FS_SUCCESS);
+  ASSERT_NO_FATAL_FAILURE(start_with_find_module());
   tables()[2].FindDrives = find_recording<2>;
   find_order[2] = 1;
   cfg_.module_flags = 1;

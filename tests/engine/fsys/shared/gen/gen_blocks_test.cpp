@@ -17,10 +17,7 @@
 
 namespace {
 
-std::vector<unsigned char> wide(std::wstring const& text) {
-  auto const* p = reinterpret_cast<unsigned char const*>(text.c_str());
-  return {p, p + (text.size() + 1) * sizeof(wchar_t)};
-}
+using qbtest::wide_bytes;
 
 struct BlockCase {
   char const* what;
@@ -59,8 +56,8 @@ TEST_F(GenBlocks, BuiltFromRequestsReadBackDuplicatedAndReleased) {
       {"directory", DBLK_KIND_DDB, 0, DBLK_ATTR1_BIT19 | DBLK_ATTR1_BIT20,
        DBLK_OBJ_DIR_ATTR_BIT19 | DBLK_OBJ_INDICATOR},
   };
-  std::vector<unsigned char> name = wide(L"restored.dat");
-  std::vector<unsigned char> ea1 = wide(L"user.a");
+  std::vector<unsigned char> name = wide_bytes(L"restored.dat");
+  std::vector<unsigned char> ea1 = wide_bytes(L"user.a");
   unsigned char const value[16] = {1, 2, 3};
   GEN_NUMERIC_RECORD numeric{};
   numeric.value[16] = 99;
@@ -132,7 +129,7 @@ TEST_F(GenBlocks, AnEncryptedNameCompletesFromItsStreamInRandomPieces) {
   ZYM_ENCRYPTION_CONTEXT* reader = ZymCreateContext(key, sizeof key, nullptr, 0);
   ASSERT_EQ(FS_PrepCryptEnv(hand_, reader), ZYM_OK);
   std::mt19937 random(11);
-  std::vector<unsigned char> const name = wide(L"from the stream");
+  std::vector<unsigned char> const name = wide_bytes(L"from the stream");
   for (int round = 0; round < 50; ++round) {
     ZymResetEncryptionIV(writer);
     ZymResetEncryptionIV(reader);

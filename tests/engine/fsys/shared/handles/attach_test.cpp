@@ -60,6 +60,10 @@ TEST_P(AttachOutcome, StatusHandleAndCount) {
   }
   EXPECT_EQ((dle->status_flags & kUnavailable) != 0, c.marked_unavailable);
   EXPECT_EQ(messages_.has(L"Attach to: DLE"), c.handle);
+  EXPECT_EQ(messages_.has(L"FS_Attach deferred error: IPC was not successfully opened."), c.ipc_failed);
+  if (c.ipc_failed) {
+    EXPECT_EQ(module_->closes, 1) << "the refused handle is closed";
+  }
   if (hand != nullptr) {
     module_->detach_result = FS_SUCCESS;
     EXPECT_EQ(FS_DetachDLE(hand), FS_SUCCESS);
@@ -121,15 +125,6 @@ TEST_F(HandleTest, AttachFillsTheHandleAndDetachUndoesIt) {
   EXPECT_EQ(module_->closes, 1);
   EXPECT_TRUE(messages_.has(L"Detach from: Shown"));
   dle->alt_name = nullptr;
-}
-
-TEST_F(HandleTest, IpcFailureIsReported) {
-  GENERIC_DLE* dle = add(L"VOL", 3);
-  _IPC_HAND ipc{1, 0, nullptr};
-  FSYS_HAND_STRUCT* hand = nullptr;
-  EXPECT_EQ(attach(&hand, dle, 0, &ipc), FS_ERR_ATTACH_REFUSED);
-  EXPECT_TRUE(messages_.has(L"FS_Attach deferred error: IPC was not successfully opened."));
-  EXPECT_EQ(module_->closes, 1);
 }
 
 TEST_F(HandleTest, DetachAnsweredWithExtErrorLeavesTheHandleAttached) {

@@ -33,12 +33,6 @@ inline FS_STATUS install_adapter(FSYS_HAND_STRUCT* hand) {
   return FS_SUCCESS;
 }
 
-inline _FUNC_LIST* tables() {
-  _FUNC_LIST* t = nullptr;
-  get_func_tabs(&t);
-  return t;
-}
-
 class HandleTest : public ::testing::Test {
  protected:
   void SetUp() override {

@@ -1,9 +1,7 @@
 // Opening and closing handles, and what the lifecycle calls do with bad input.
-#include <cstdlib>
 #include <cwchar>
 
 #include "handles_fixture.h"
-#include <qbfsys/file_hand.h>
 #include <qbfsys/name_pool.h>
 
 namespace {
@@ -83,20 +81,6 @@ TEST_F(HandleTest, CloseOfAnAttachedHandleDetachesWithoutLoweringTheCount) {
   EXPECT_EQ(module_->detaches, 1);
   EXPECT_EQ(dle->attach_count, 1);
   EXPECT_FALSE(messages_.has(L"Detach from: VOL"));
-}
-
-TEST_F(HandleTest, DetachFreesTheObjectHandlesStagingBuffer) {
-  GENERIC_DLE* dle = add(L"VOL", 3);
-  FSYS_HAND_STRUCT* hand = nullptr;
-  ASSERT_EQ(attach(&hand, dle), FS_SUCCESS);
-  _FILE_HAND_STRUCT object{};
-  object.fsysHand = hand;
-  object.stageBuf = static_cast<unsigned char*>(std::malloc(4096));
-  object.stageCap = 4096;
-  hand->objHand = &object;
-  EXPECT_EQ(FS_DetachDLE(hand), FS_SUCCESS);
-  EXPECT_EQ(object.stageBuf, nullptr);
-  EXPECT_EQ(object.stageCap, 0u);
 }
 
 TEST_F(HandleTest, DetachOfAnUnattachedHandleStillClosesIt) {

@@ -180,24 +180,6 @@ TEST_F(ObjectIo, SeekingDropsStagedReadData) {
   EXPECT_EQ(g_calls.size(), 3u);
 }
 
-TEST_F(ObjectIo, WritesFrameHeadersAloneAndStageShortData) {
-  g_answers = {{FS_SUCCESS, 0, 4096}, {FS_SUCCESS, kAll, 4096}, {FS_SUCCESS, kAll, 1}};
-  std::uint32_t used = 0;
-  EXPECT_EQ(write(100, STRM_GENERIC_DATA, &used), FS_SUCCESS);  // header, then data
-  EXPECT_EQ(used, 100u);
-  ASSERT_EQ(g_calls.size(), 1u);
-  EXPECT_EQ(g_calls[0].header_id, STRM_GENERIC_DATA);
-  EXPECT_EQ(g_calls[0].size, 0u);
-  for (int i = 0; i < 40; ++i) ASSERT_EQ(write(100), FS_SUCCESS);  // 4,100 bytes collected
-  ASSERT_EQ(g_calls.size(), 2u);
-  EXPECT_EQ(g_calls[1].size, 4096u);
-  EXPECT_EQ(obj_->stagePos, 4u);
-  EXPECT_EQ(write(0, STRM_PAD), FS_SUCCESS);  // the 4 waiting bytes go before the next header
-  ASSERT_EQ(g_calls.size(), 4u);
-  EXPECT_EQ(g_calls[2].size, 4u);
-  EXPECT_EQ(g_calls[3].header_id, STRM_PAD);
-}
-
 TEST_F(ObjectIo, WriteStatuses) {
   std::uint32_t used = 0;
   EXPECT_EQ(write(0), FS_ERR_OBJ_NO_DATA);
@@ -268,6 +250,7 @@ TEST_F(ObjectIo, StagingBuffersFollowTheirOwners) {
   dle.attach_count = 1;
   EXPECT_EQ(FS_DetachDLE(hand_), FS_SUCCESS);  // frees the own object handle's buffer
   EXPECT_EQ(own.stageBuf, nullptr);
+  EXPECT_EQ(own.stageCap, 0u);
   hand_ = nullptr;
   ASSERT_EQ(FS_OpenFileSys(&hand_, 3, &cfg_, &table_), FS_SUCCESS);  // for TearDown
 }

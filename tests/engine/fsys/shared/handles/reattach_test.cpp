@@ -51,31 +51,52 @@ TEST_F(Reattach, FiveArgumentsKeepThePointerAndOneDetachReleasesBoth) {
   EXPECT_LT(newest, messages_.index_of(L"Detach from: A"));
 }
 
-TEST_F(Reattach, FailedFiveArgumentFormLeavesTheOldBinding) {
+// A refused binding leaves the old one; the five-argument form drops the
+// state it made. Only the four-argument form counts FS_STATUS_EXT_ERROR as
+// attached.
+TEST_F(Reattach, FailedBindingsLeaveTheOldOne) {
   struct Case {
+    int form;  // 5 or 4 arguments
     FS_STATUS attach_result;
+    bool unavailable;
     bool ipc_failed;
     FS_STATUS expected;
+    bool switched;
+  } const cases[] = {
+      {5, FS_STATUS_EXT_ERROR, false, false, FS_STATUS_EXT_ERROR, false},
+      {5, 0xE0003333, false, false, 0xE0003333, false},
+      {5, FS_SUCCESS, false, true, FS_ERR_ATTACH_REFUSED, false},
+      {4, FS_SUCCESS, true, false, FS_ERR_DLE_UNAVAILABLE, false},
+      {4, 0xE0004444, false, false, 0xE0004444, false},
+      {4, FS_STATUS_EXT_ERROR, false, false, FS_STATUS_EXT_ERROR, true},
   };
   _IPC_HAND ipc{0, 0, nullptr};
-  hand_->ipc = &ipc;
-  for (Case c : {Case{FS_STATUS_EXT_ERROR, false, FS_STATUS_EXT_ERROR},
-                 Case{0xE0003333, false, 0xE0003333},
-                 Case{FS_SUCCESS, true, FS_ERR_ATTACH_REFUSED}}) {
+  for (Case const& c : cases) {
+    SCOPED_TRACE(std::to_string(c.form) + " arguments, expecting " + std::to_string(c.expected));
     module_->attach_result = c.attach_result;
+    b_->status_flags = c.unavailable ? DLE_STATUS_UNAVAILABLE : 0;
     ipc.failure = c.ipc_failed ? 1 : 0;
+    hand_->ipc = &ipc;
     int const closes = module_->closes;
-    EXPECT_EQ(FS_ReattachDLE(hand_, nullptr, b_, nullptr, nullptr), c.expected);
-    EXPECT_EQ(hand_->dle, a_);
+    EXPECT_EQ(c.form == 5 ? FS_ReattachDLE(hand_, nullptr, b_, nullptr, nullptr) : FS_ReattachDLE(hand_, b_, nullptr, nullptr),
+              c.expected);
+    hand_->ipc = nullptr;
+    EXPECT_EQ(hand_->dle, c.switched ? b_ : a_);
+    EXPECT_EQ(b_->attach_count, c.switched ? 1 : 0);
+    if (c.switched) {
+      ASSERT_NE(hand_->restoreWorkFlow, nullptr);
+      EXPECT_TRUE(hand_->restoreWorkFlow->empty());
+      continue;
+    }
     EXPECT_EQ(hand_->fsysId, 3);
     EXPECT_EQ(hand_->previousState, nullptr);
-    EXPECT_EQ(b_->attach_count, 0);
-    EXPECT_EQ(module_->closes, closes + 1);  // the fresh state is dropped
+    if (c.form == 5) {
+      EXPECT_EQ(module_->closes, closes + 1);  // the fresh state is dropped
+    }
   }
   EXPECT_TRUE(messages_.has(L"FS_Attach deferred error: IPC was not successfully opened."));
-  hand_->ipc = nullptr;
   EXPECT_EQ(FS_DetachDLE(hand_), FS_SUCCESS);
-  EXPECT_EQ(a_->attach_count, 0);
+  EXPECT_EQ(a_->attach_count + b_->attach_count, 0);
 }
 
 TEST_F(Reattach, FiveArgumentFormWithAnEmptyTableOrBadIdIsRefused) {
@@ -133,25 +154,6 @@ TEST_F(Reattach, FourArgumentsCarryTheAdaptersRestoreWorkFlow) {
   EXPECT_EQ(a_->attach_count + b_->attach_count + c->attach_count, 0);
   EXPECT_EQ(adapter_.detaches, 1);
   EXPECT_EQ(adapter_.closes, 1);
-}
-
-TEST_F(Reattach, FailedFourArgumentFormLeavesTheHandleAlone) {
-  b_->status_flags = DLE_STATUS_UNAVAILABLE;
-  EXPECT_EQ(FS_ReattachDLE(hand_, b_, nullptr, nullptr), FS_ERR_DLE_UNAVAILABLE);
-  module_->attach_result = 0xE0004444;
-  b_->status_flags = 0;
-  EXPECT_EQ(FS_ReattachDLE(hand_, b_, nullptr, nullptr), 0xE0004444);
-  EXPECT_EQ(hand_->dle, a_);
-  EXPECT_EQ(hand_->previousState, nullptr);
-  EXPECT_EQ(b_->attach_count, 0);
-
-  module_->attach_result = FS_STATUS_EXT_ERROR;  // counts as attached here
-  EXPECT_EQ(FS_ReattachDLE(hand_, b_, nullptr, nullptr), FS_STATUS_EXT_ERROR);
-  EXPECT_EQ(hand_->dle, b_);
-  ASSERT_NE(hand_->restoreWorkFlow, nullptr);
-  EXPECT_TRUE(hand_->restoreWorkFlow->empty());
-  EXPECT_EQ(FS_DetachDLE(hand_), FS_SUCCESS);
-  EXPECT_EQ(a_->attach_count + b_->attach_count, 0);
 }
 
 }  // namespace

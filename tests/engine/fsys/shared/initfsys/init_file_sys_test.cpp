@@ -10,6 +10,7 @@
 #include <gtest/gtest.h>
 
 #include "capture.h"
+#include "test_records.h"
 #include <qbfsys/fs_init.h>
 #include <qbfsys/gen.h>
 #include <qbfsys/registry.h>
@@ -33,10 +34,18 @@ R module_call(char const* file, char const* entry) {
   return result;
 }
 
+std::string narrow(std::wstring const& w) { return std::string(w.begin(), w.end()); }
+
+// True when a trace line of the start-up starts with `prefix` and holds `part`.
+bool traced(qbtest::TraceCapture const& traces, std::string const& prefix, std::string const& part) {
+  std::string const at = "engine/fsys/shared/initfsys(" + prefix;
+  return std::any_of(traces.lines().begin(), traces.lines().end(), [&](std::string const& l) {
+    return l.compare(0, at.size(), at) == 0 && l.find(part, at.size()) != std::string::npos;
+  });
+}
+
 bool is_generic(unsigned index) {
-  _FUNC_LIST* tables = nullptr;
-  get_func_tabs(&tables);
-  return std::memcmp(&tables[index], &_GENFuncTab, sizeof(_FUNC_LIST)) == 0;
+  return std::memcmp(&qbtest::tables()[index], &_GENFuncTab, sizeof(_FUNC_LIST)) == 0;
 }
 
 // Runs FS_InitFileSys over the given module files (paths in the test tree,
@@ -96,35 +105,14 @@ TEST_F(InitFileSys, LoadsTablesThroughEitherEntryPoint) {
   EXPECT_EQ(module_call<int>("libtm_multi.so", "tm_init_calls"), 3);
 
   ASSERT_TRUE(traces.available());
-  {
-    std::string narrow(multi.begin(), multi.end());
-    EXPECT_TRUE(traces.has("engine/fsys/shared/initfsys(454): " + narrow + " loaded at index 10"));
-    std::string narrow64(only64.begin(), only64.end());
-    EXPECT_TRUE(traces.has("engine/fsys/shared/initfsys(500): " + narrow64 + " loaded at index 13"));
-  }
+  EXPECT_TRUE(traces.has("engine/fsys/shared/initfsys(454): " + narrow(multi) + " loaded at index 10"));
+  EXPECT_TRUE(traces.has("engine/fsys/shared/initfsys(500): " + narrow(only64) + " loaded at index 13"));
 
   FS_RemoveFileSys();
   EXPECT_EQ(module_call<int>("libtm_multi.so", "tm_deinit_calls"), 3);
   EXPECT_TRUE(messages_.has(L"  unloading " + multi));
   for (auto const& d : dlls) EXPECT_FALSE(d);
   EXPECT_FALSE(is_generic(10));  // tables stay until the next start-up
-}
-
-TEST_F(InitFileSys, SkipsModulesThatCannotServe) {
-  std::wstring neither = module_path("libtm_neither.so");
-  std::wstring missing = module_path("libtm_does_not_exist.so");
-  std::wstring directory = module_path("");
-  std::wstring multi = module_path("libtm_multi.so");
-  ASSERT_EQ(init({neither, missing, L"", directory, multi}), FS_SUCCESS);
-
-  EXPECT_TRUE(messages_.has_prefix(L"    " + neither + L" doesn't support GetTable() or Get64BitTable(): "));
-  EXPECT_TRUE(messages_.has(L"  " + missing + L" could not be loaded: 0x       2 (2)\n"));
-  EXPECT_TRUE(messages_.has(L"   could not be loaded: 0x       2 (2)\n"));
-  EXPECT_TRUE(messages_.has_prefix(L"  " + directory + L" could not be loaded: 0x"));
-  // A module that was opened but served nothing is released at once.
-  EXPECT_TRUE(messages_.has(L"  unloading " + neither));
-  EXPECT_TRUE(messages_.has(L"  loaded " + multi));
-  EXPECT_TRUE(dlls[10]);
 }
 
 TEST_F(InitFileSys, DropsIndicesOutOfRangeAndReleasesModulesThatFillNothing) {
@@ -157,12 +145,9 @@ TEST_F(InitFileSys, LaterModuleOverridesAnIndexAndTheTraceNamesTheEarlierOne) {
   EXPECT_EQ(module_call<int>("libtm_dup_b.so", "tm_init_calls"), 1);
   EXPECT_EQ(module_call<int>("libtm_dup_a.so", "tm_init_calls"), 0);
   ASSERT_TRUE(traces.available());
-  {
+  for (std::wstring const& earlier : {c, a})
     EXPECT_TRUE(traces.has("engine/fsys/shared/initfsys(442): Warning!  Overriding function table entry 20 already filled by " +
-                           std::string(c.begin(), c.end())));
-    EXPECT_TRUE(traces.has("engine/fsys/shared/initfsys(442): Warning!  Overriding function table entry 20 already filled by " +
-                           std::string(a.begin(), a.end())));
-  }
+                           narrow(earlier)));
 }
 
 TEST_F(InitFileSys, SameIndexTwiceFromOneModuleKeepsTheSecondTable) {
@@ -174,10 +159,8 @@ TEST_F(InitFileSys, SameIndexTwiceFromOneModuleKeepsTheSecondTable) {
   EXPECT_EQ(module_call<int>("libtm_twice.so", "tm_last_init_table"), 1);
   EXPECT_EQ(module_call<int>("libtm_twice.so", "tm_init_calls"), 1);
   ASSERT_TRUE(traces.available());
-  {
-    EXPECT_TRUE(traces.has("engine/fsys/shared/initfsys(442): Warning!  Overriding function table entry 22 already filled by " +
-                           std::string(twice.begin(), twice.end())));
-  }
+  EXPECT_TRUE(traces.has("engine/fsys/shared/initfsys(442): Warning!  Overriding function table entry 22 already filled by " +
+                         narrow(twice)));
 }
 
 TEST_F(InitFileSys, PerIndexObjectTakesPrecedenceOverTheTable) {
@@ -243,43 +226,37 @@ TEST_F(InitFileSys, ModuleWorksAgainAfterRemoveAndSecondStartUp) {
   EXPECT_EQ(messages_.count(L"  loaded " + multi), 2u);
 }
 
-std::string narrow(std::wstring const& w) { return std::string(w.begin(), w.end()); }
-
-// True when a trace line starts with `prefix` and holds `part`.
-bool traced(qbtest::TraceCapture const& traces, std::string const& prefix,
-            std::string const& part) {
-  return std::any_of(traces.lines().begin(), traces.lines().end(), [&](std::string const& l) {
-    return l.compare(0, prefix.size(), prefix) == 0 &&
-           l.find(part, prefix.size()) != std::string::npos;
-  });
-}
-
-// The message keeps the host's code; the trace carries the loader's reason.
-TEST_F(InitFileSys, TracesTheLoadersReasonForEveryModuleItCannotOpen) {
+// A module that cannot be opened is skipped: the message keeps the host's
+// code, the trace carries the loader's reason. A module that opens but
+// offers neither table entry is released at once.
+TEST_F(InitFileSys, SkipsModulesThatCannotServeAndTracesWhy) {
   std::string text_file = ::testing::TempDir() + "qb_not_a_module.so";
   std::ofstream(text_file) << std::string(256, 'x');  // longer than an ELF header
+  std::wstring const missing = module_path("libtm_does_not_exist.so");
   struct refusal {
     std::wstring path;
     char const* reason;
   } const refusals[] = {
       {std::wstring(text_file.begin(), text_file.end()), "invalid ELF header"},
       {module_path(""), "Is a directory"},
-      {module_path("libtm_does_not_exist.so"), "No such file or directory"},
+      {missing, "No such file or directory"},
       {module_path("libhm_undefined.so"), "undefined symbol: hm_no_library_defines_this"},
   };
   qbtest::TraceCapture traces("engine/fsys/shared/initfsys");
   ASSERT_TRUE(traces.available());
-  std::vector<std::wstring> names;
+  std::wstring const neither = module_path("libtm_neither.so");
+  std::vector<std::wstring> names = {neither, L""};
   for (auto const& r : refusals) names.push_back(r.path);
   names.push_back(module_path("libtm_multi.so"));
   ASSERT_EQ(init(names), FS_SUCCESS);
   for (auto const& r : refusals) {
     EXPECT_TRUE(messages_.has_prefix(L"  " + r.path + L" could not be loaded: 0x")) << r.reason;
-    EXPECT_TRUE(traced(
-        traces,
-        "engine/fsys/shared/initfsys(404): " + narrow(r.path) + " could not be loaded: ", r.reason))
-        << r.reason;
+    EXPECT_TRUE(traced(traces, "404): " + narrow(r.path) + " could not be loaded: ", r.reason)) << r.reason;
   }
+  EXPECT_TRUE(messages_.has(L"  " + missing + L" could not be loaded: 0x       2 (2)\n"));
+  EXPECT_TRUE(messages_.has(L"   could not be loaded: 0x       2 (2)\n"));  // an empty name
+  EXPECT_TRUE(messages_.has_prefix(L"    " + neither + L" doesn't support GetTable() or Get64BitTable(): "));
+  EXPECT_TRUE(messages_.has(L"  unloading " + neither));
   EXPECT_TRUE(dlls[10]);
   std::remove(text_file.c_str());
 }
@@ -304,7 +281,7 @@ TEST_P(HostileModule, FailsAloneAndIsNamed) {
   EXPECT_TRUE(dlls[10]);
   EXPECT_EQ(is_generic(45), GetParam().generic_45);
   FS_RemoveFileSys();
-  EXPECT_TRUE(traced(traces, "engine/fsys/shared/initfsys(", narrow(hostile) + GetParam().trace));
+  EXPECT_TRUE(traced(traces, "", narrow(hostile) + GetParam().trace));
   for (auto const& d : dlls) EXPECT_FALSE(d);
 }
 

@@ -26,14 +26,10 @@ int g_object_deinit_calls = 0;
 unsigned long long g_mask = 0;
 int g_last_init_table = -1;  // which delivered table's init ran last
 
-FS_STATUS init_a(QB_CFG*) {
+template <int Table>
+FS_STATUS init(QB_CFG*) {
   ++g_init_calls;
-  g_last_init_table = 0;
-  return TM_INIT_RESULT;
-}
-FS_STATUS init_b(QB_CFG*) {
-  ++g_init_calls;
-  g_last_init_table = 1;
+  g_last_init_table = Table;
   return TM_INIT_RESULT;
 }
 FS_STATUS deinit() {
@@ -69,7 +65,7 @@ constexpr int kCount = sizeof(kIndices) / sizeof(kIndices[0]);
 [[maybe_unused]] int deliver(int n, _FUNC_LIST* out, int* index) {
   if (n < 0 || n >= kCount) return 0;
   _FUNC_LIST table{};
-  table.InitFileSys = (n % 2 == 0) ? init_a : init_b;
+  table.InitFileSys = (n % 2 == 0) ? init<0> : init<1>;
   table.DeInitFileSys = deinit;
   if (TM_WITH_OBJECT) table.CreateObject = create_object;
   *out = table;
