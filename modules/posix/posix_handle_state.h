@@ -42,6 +42,13 @@ struct PosixDirHold {
 // the path below the root starts at levels[POSIX_FIRST_BELOW_ROOT].
 constexpr std::size_t POSIX_FIRST_BELOW_ROOT = 1;
 struct PosixLevel {
+  // A level owns descriptors: it is moved, never copied.
+  PosixLevel() = default;
+  PosixLevel(PosixLevel&&) = default;
+  PosixLevel& operator=(PosixLevel&&) = default;
+  PosixLevel(PosixLevel const&) = delete;
+  PosixLevel& operator=(PosixLevel const&) = delete;
+
   std::string name;             // its name in the directory above (empty for the root)
   int fd = -1;                  // O_DIRECTORY descriptor, owned (through `hold` once set)
   std::shared_ptr<PosixDirHold> hold;  // set when an object is restored here
