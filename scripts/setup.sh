@@ -4,7 +4,7 @@
 set -euo pipefail
 packages=(
   g++ cmake ninja-build pkg-config git
-  libboost-dev librapidxml-dev libace-dev libssl-dev
+  libboost-dev librapidxml-dev libace-dev libssl-dev zlib1g-dev
   libgtest-dev libgmock-dev libbenchmark-dev
 )
 missing=()
