@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Backing up and restoring a real tree with qbfs, against the machine's
-# standard `tar` (GNU tar, the Debian package) doing the same copy.
+# standard `tar` (the Debian package) doing the same copy.
 #
 # What is timed, in rounds that alternate the two tools (the first tool of
 # a round changes every round, so neither always meets a cooler cache):
