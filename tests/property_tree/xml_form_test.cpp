@@ -97,6 +97,35 @@ TEST(XmlForm, CountConsumesSameNamedSiblingsEvenWithOthersBetween) {
   EXPECT_EQ(tree->get_property("a").at(2).get_lng_val(), 3);
 }
 
+// Thousands of names, half of them alike in their first twenty bytes, each
+// property's second value far from its first and in the reverse order: every
+// value reaches its own property and every name is found afterwards.
+TEST(XmlForm, ManyPropertiesWithScatteredValuesAreEachFound) {
+  constexpr int kProperties = 5000;
+  auto name_of = [](int i) {
+    return (i % 2 == 0 ? "a_long_shared_prefix_" : "p") + std::to_string(i);
+  };
+  std::string text = "<r>";
+  for (int i = 0; i < kProperties; ++i)
+    text += "<" + name_of(i) + " type=\"int\" count=\"2\">" + std::to_string(i) + "</" +
+            name_of(i) + ">";
+  for (int i = kProperties - 1; i >= 0; --i)
+    text += "<" + name_of(i) + ">" + std::to_string(-i) + "</" + name_of(i) + ">";
+  text += "</r>";
+  fs_property_tree_ptr tree = fs_property_tree_load_utf8(text.c_str());
+  ASSERT_EQ(tree->size(), static_cast<std::size_t>(kProperties));
+  for (int i = 0; i < kProperties; ++i) {
+    std::string const name = name_of(i);
+    ASSERT_EQ(tree->at(static_cast<std::size_t>(i)).name(), name);
+    fs_property_tree_property& p = tree->get_property(name.c_str());
+    ASSERT_EQ(p.size(), 2u) << name;
+    EXPECT_EQ(p.at(0).get_lng_val(), i);
+    EXPECT_EQ(p.at(1).get_lng_val(), -i);
+  }
+  EXPECT_FALSE(tree->has_property("a_long_shared_prefix_"));
+  EXPECT_FALSE(tree->has_property("p5000"));
+}
+
 TEST(XmlForm, CountZeroLeavesThePropertyWithoutValues) {
   fs_property_tree_ptr tree = fs_property_tree_load_utf8("<r><a type=\"dbl\" count=\"0\">1.5</a></r>");
   EXPECT_EQ(tree->get_property("a").type(), fs_property_type::dbl);
