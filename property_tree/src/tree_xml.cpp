@@ -88,6 +88,60 @@ bool order_entry_less(order_entry const& a, order_entry const& b) {
   return name_order()(a.name, b.name);
 }
 
+// Elements with more attributes than this have their names sorted to find
+// a repeat; fewer are compared pair by pair, which costs less than sorting.
+constexpr std::size_t few_attributes = 16;
+
+std::string_view attribute_name(rapidxml::xml_attribute<char> const* a) {
+  return std::string_view(a->name(), a->name_size());
+}
+
+// Refuses an element that names one attribute twice. The parser takes such
+// an element and keeps both attributes, but a document with one is not
+// well-formed XML, and a later reader could take either value, so it is
+// refused with the parser's kind of error, as a mismatched closing tag is.
+void check_unique_attributes(xml_node const* element) {
+  rapidxml::xml_attribute<char> const* first = element->first_attribute();
+  if (first == nullptr || first->next_attribute() == nullptr) return;
+  std::size_t count = 0;
+  auto const* rest = first;  // the attributes not yet counted
+  for (; rest != nullptr && count <= few_attributes; rest = rest->next_attribute()) ++count;
+  if (rest == nullptr) {
+    for (auto const* later = first->next_attribute(); later != nullptr;
+         later = later->next_attribute())
+      for (auto const* earlier = first; earlier != later; earlier = earlier->next_attribute())
+        if (attribute_name(later) == attribute_name(earlier))
+          throw rapidxml::parse_error("duplicate attribute name", later->name());
+    return;
+  }
+  for (; rest != nullptr; rest = rest->next_attribute()) ++count;
+  std::vector<rapidxml::xml_attribute<char> const*> sorted;
+  sorted.reserve(count);
+  for (auto const* a = first; a != nullptr; a = a->next_attribute()) sorted.push_back(a);
+  std::sort(sorted.begin(), sorted.end(), [](auto const* a, auto const* b) {
+    return attribute_name(a) < attribute_name(b);
+  });
+  auto repeat = std::adjacent_find(sorted.begin(), sorted.end(), [](auto const* a, auto const* b) {
+    return attribute_name(a) == attribute_name(b);
+  });
+  if (repeat != sorted.end())
+    throw rapidxml::parse_error("duplicate attribute name", (*(repeat + 1))->name());
+}
+
+// Every element of the parsed document `doc`, in document order.
+void check_all_attributes(xml_node const* doc) {
+  xml_node const* n = doc->first_node();
+  while (n != nullptr) {
+    if (n->type() == rapidxml::node_element) check_unique_attributes(n);
+    if (n->first_node() != nullptr) {
+      n = n->first_node();
+      continue;
+    }
+    while (n != doc && n->next_sibling() == nullptr) n = n->parent();
+    n = n != doc ? n->next_sibling() : nullptr;
+  }
+}
+
 }  // namespace
 
 std::vector<char> buffer_of(char const* text) {
@@ -117,6 +171,7 @@ void parse_document(std::vector<char>& buffer, unsigned depth_limit, xml_documen
   if (problem.empty()) problem = check_markup(text, size, depth_limit);
   if (!problem.empty()) throw std::runtime_error(problem);
   doc.parse<rapidxml::parse_validate_closing_tags>(text);
+  check_all_attributes(&doc);
   // Only the first element is read; a second one makes the text no XML
   // document at all.
   xml_node* root = doc.first_node();
