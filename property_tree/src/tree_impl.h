@@ -150,9 +150,11 @@ fs_property_tree_base_impl const& tree_impl_of(fs_property_tree const* t);
 
 // Parses the NUL-terminated UTF-8 XML text in `buffer` (as buffer_of makes
 // it) in place, after the character and markup checks of xml_check.h with
-// `depth_limit` levels of nesting; closing tags must match, and a second
-// root element is refused. The document keeps pointers into `buffer`, which
-// must stay alive. Throws std::runtime_error or the parser's error.
+// `depth_limit` levels of nesting; closing tags must match, no element may
+// name an attribute twice (refused as the parser's error "duplicate
+// attribute name"), and a second root element is refused. The document keeps
+// pointers into `buffer`, which must stay alive. Throws std::runtime_error or
+// the parser's error.
 void parse_document(std::vector<char>& buffer, unsigned depth_limit, xml_document& doc);
 
 }  // namespace property_tree_details

@@ -6,10 +6,17 @@
 //
 // Pieces are kept in size classes of 16 bytes up to 256 bytes; a released
 // piece waits on its class's free list for the next request of that class
-// and the blocks go back to the heap only when the root dies. So a tree that
+// and the blocks are released only when the root dies. So a tree that
 // keeps changing stays within what its largest state needed per class.
 // Larger requests, and allocators made without a pool (temporary vectors),
 // use the general heap.
+//
+// A dying root's full-size blocks are kept, up to kept_block_limit bytes in
+// the whole process, for the next pools to take before the heap. Without
+// them a process that loads and drops large trees in turn hands the whole
+// tree back to the heap at every drop; the heap returns a free top that
+// large to the system, and the next load faults in every page of its tree
+// again, which costs more than building it.
 //
 // Under AddressSanitizer free pieces are poisoned, so that a use after
 // release is still reported although the memory stays in the pool.
@@ -37,6 +44,10 @@ class tree_pool {
   static constexpr std::size_t granule = 16;
   static constexpr std::size_t classes = 16;
   static constexpr std::size_t largest = granule * classes;
+  // The size of all blocks after a pool's first few.
+  static constexpr std::size_t full_block = std::size_t(64) << 10;
+  // The most bytes of full-size blocks kept between pools, process-wide.
+  static constexpr std::size_t kept_block_limit = std::size_t(64) << 20;
 
   tree_pool() noexcept = default;
   tree_pool(tree_pool const&) = delete;
@@ -71,9 +82,12 @@ class tree_pool {
     QB_POOL_POISON(p, (c + 1) * granule);
   }
 
-  // Bytes taken from the heap in blocks (what the tree's small objects use,
-  // free lists included).
+  // Bytes taken in blocks, from the heap or from kept blocks (what the
+  // tree's small objects use, free lists included).
   std::size_t block_bytes() const noexcept { return block_bytes_; }
+
+  // Bytes of full-size blocks kept for the next pools, in the whole process.
+  static std::size_t kept_bytes() noexcept;
 
  private:
   struct free_node {

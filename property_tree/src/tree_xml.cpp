@@ -1,12 +1,15 @@
 // The XML form of a tree: writing (write_fields through the writer) and
 // reading (load_fields over a parsed document).
 #include <algorithm>
+#include <cstdint>
 #include <cstring>
 #include <string_view>
-#include <unordered_map>
+#include <tuple>
+#include <utility>
 #include <vector>
 #include <qbhost/strings.h>
 #include "check_prop_name.h"
+#include "name_table.h"
 #include "tree_impl.h"
 #include "xml_check.h"
 #include "xml_print.h"
@@ -14,6 +17,12 @@
 namespace property_tree_details {
 
 namespace {
+
+// `node` when it is an element, else its first following sibling that is.
+xml_node* next_element(xml_node* node) {
+  while (node != nullptr && node->type() != rapidxml::node_element) node = node->next_sibling();
+  return node;
+}
 
 bool has_element_children(xml_node* node) {
   for (xml_node* child = node->first_node(); child != nullptr; child = child->next_sibling())
@@ -54,6 +63,85 @@ void check_wide(wchar_t const* text, std::size_t size) {
   }
 }
 
+// A property's place in name order: its name's first eight bytes as a
+// big-endian number (zero-padded; names hold no NUL) decide most
+// comparisons without reading the name itself, whose bytes lie scattered
+// over the document.
+struct order_entry {
+  std::uint64_t key;
+  std::string_view name;
+  std::size_t index;
+};
+
+std::uint64_t order_key(std::string_view name) {
+  unsigned char bytes[8] = {};
+  std::memcpy(bytes, name.data(), std::min<std::size_t>(name.size(), sizeof bytes));
+  std::uint64_t key = 0;
+  for (unsigned char b : bytes) key = key << 8 | b;
+  return key;
+}
+
+// name_order on the names: equal keys mean both names have the same first
+// eight bytes (both shorter would make them equal, and names are unique).
+bool order_entry_less(order_entry const& a, order_entry const& b) {
+  if (a.key != b.key) return a.key < b.key;
+  return name_order()(a.name, b.name);
+}
+
+// Elements with more attributes than this have their names sorted to find
+// a repeat; fewer are compared pair by pair, which costs less than sorting.
+constexpr std::size_t few_attributes = 16;
+
+std::string_view attribute_name(rapidxml::xml_attribute<char> const* a) {
+  return std::string_view(a->name(), a->name_size());
+}
+
+// Refuses an element that names one attribute twice. The parser takes such
+// an element and keeps both attributes, but a document with one is not
+// well-formed XML, and a later reader could take either value, so it is
+// refused with the parser's kind of error, as a mismatched closing tag is.
+void check_unique_attributes(xml_node const* element) {
+  rapidxml::xml_attribute<char> const* first = element->first_attribute();
+  if (first == nullptr || first->next_attribute() == nullptr) return;
+  std::size_t count = 0;
+  auto const* rest = first;  // the attributes not yet counted
+  for (; rest != nullptr && count <= few_attributes; rest = rest->next_attribute()) ++count;
+  if (rest == nullptr) {
+    for (auto const* later = first->next_attribute(); later != nullptr;
+         later = later->next_attribute())
+      for (auto const* earlier = first; earlier != later; earlier = earlier->next_attribute())
+        if (attribute_name(later) == attribute_name(earlier))
+          throw rapidxml::parse_error("duplicate attribute name", later->name());
+    return;
+  }
+  for (; rest != nullptr; rest = rest->next_attribute()) ++count;
+  std::vector<rapidxml::xml_attribute<char> const*> sorted;
+  sorted.reserve(count);
+  for (auto const* a = first; a != nullptr; a = a->next_attribute()) sorted.push_back(a);
+  std::sort(sorted.begin(), sorted.end(), [](auto const* a, auto const* b) {
+    return attribute_name(a) < attribute_name(b);
+  });
+  auto repeat = std::adjacent_find(sorted.begin(), sorted.end(), [](auto const* a, auto const* b) {
+    return attribute_name(a) == attribute_name(b);
+  });
+  if (repeat != sorted.end())
+    throw rapidxml::parse_error("duplicate attribute name", (*(repeat + 1))->name());
+}
+
+// Every element of the parsed document `doc`, in document order.
+void check_all_attributes(xml_node const* doc) {
+  xml_node const* n = doc->first_node();
+  while (n != nullptr) {
+    if (n->type() == rapidxml::node_element) check_unique_attributes(n);
+    if (n->first_node() != nullptr) {
+      n = n->first_node();
+      continue;
+    }
+    while (n != doc && n->next_sibling() == nullptr) n = n->parent();
+    n = n != doc ? n->next_sibling() : nullptr;
+  }
+}
+
 }  // namespace
 
 std::vector<char> buffer_of(char const* text) {
@@ -83,6 +171,7 @@ void parse_document(std::vector<char>& buffer, unsigned depth_limit, xml_documen
   if (problem.empty()) problem = check_markup(text, size, depth_limit);
   if (!problem.empty()) throw std::runtime_error(problem);
   doc.parse<rapidxml::parse_validate_closing_tags>(text);
+  check_all_attributes(&doc);
   // Only the first element is read; a second one makes the text no XML
   // document at all.
   xml_node* root = doc.first_node();
@@ -99,28 +188,55 @@ void parse_document(std::vector<char>& buffer, unsigned depth_limit, xml_documen
 // property's next value, any other element starts a property. This takes the
 // same elements as searching the following siblings by name for each
 // property, without walking the siblings again for every value.
-// During the walk names are looked up in a hash table: a lookup in the
-// ordered name index chases a pointer per level, and in a tree of many
-// properties each of those misses the cache. The index is built once at the
-// end, in name order, each node put at the end of the map.
+// The elements are counted first: the count bounds the properties, so the
+// name table, the property vector and the bookkeeping are each allocated
+// once. It also bounds the values: each property reserves room for its
+// "count" from a budget of one value per element, so a document of lying
+// counts cannot reserve more than its elements would fill. Counting reads
+// two fields of each sibling, far less than a table that grows and rehashes.
+// During the walk names are looked up in that table: a lookup in the ordered
+// name index chases a pointer per level, and in a tree of many properties
+// each of those misses the cache. The table misses too once it outgrows the
+// cache, so the walk hashes the next element's name one step ahead and
+// prefetches its slot. The index is built once at the end, in name order,
+// each node put at the end of the map.
 std::pair<fs_property_tree_base_impl::items_type, fs_property_tree_base_impl::index_type>
 fs_property_tree_base_impl::load_fields(xml_node* node) {
   struct owed {
     unsigned long count;  // the values promised
     unsigned long taken;  // the values read so far
   };
+  std::size_t elements = 0;
+  for (xml_node* e = node->first_node(); e != nullptr; e = e->next_sibling())
+    if (e->type() == rapidxml::node_element) ++elements;
+  // More properties than the limit are refused below before any is added,
+  // so the table never needs room for more.
+  std::size_t const most_properties = std::min(elements, max_container_elements + 1);
   items_type props = new_items();
+  props.reserve(most_properties);
   std::vector<owed> owing;  // by property, in document order
-  std::unordered_map<std::string_view, std::size_t> position;  // name to property
+  owing.reserve(most_properties);
+  std::vector<order_entry> order;  // by property, sorted at the end
+  order.reserve(most_properties);
+  name_table position(most_properties);  // name to property
   std::size_t still_owed = 0;
-  for (xml_node* e = node->first_node(); e != nullptr; e = e->next_sibling()) {
-    if (e->type() != rapidxml::node_element) continue;
+  std::size_t value_budget = elements;
+  xml_node* next = next_element(node->first_node());
+  std::uint64_t next_hash = next != nullptr ? hash_name(next->name(), next->name_size()) : 0;
+  for (xml_node* e = next; e != nullptr; e = next) {
+    std::uint64_t const hash = next_hash;
+    next = next_element(e->next_sibling());
+    if (next != nullptr) {
+      next_hash = hash_name(next->name(), next->name_size());
+      position.prefetch(next_hash);
+    }
     std::string_view name(e->name(), e->name_size());
-    auto [slot, added] = position.try_emplace(name, props.size());
+    auto const [at, added] = position.find_or_add(name.data(), name.size(), hash,
+                                                  static_cast<std::uint32_t>(props.size()));
     if (!added) {
-      owed& o = owing[slot->second];
+      owed& o = owing[at];
       if (o.taken < o.count) {
-        props[slot->second]->load_new_xml_value(e);
+        props[at]->load_new_xml_value(e);
         if (++o.taken == o.count) --still_owed;
         continue;
       }
@@ -136,11 +252,11 @@ fs_property_tree_base_impl::load_fields(xml_node* node) {
     check_count(props.size() + 1);
     sp property = make_property(kind, this, std::string(name), props.size());
     owing.push_back(owed{count, 0});
+    order.push_back(order_entry{order_key(name), name, props.size()});
     if (count > 0) {
-      // Room reserved for a few values only: a hostile count must not take
-      // more memory than the elements present, which are not counted first
-      // (a second walk over a large document costs more than regrowing).
-      property->reserve_values(std::min<std::size_t>(count, 8));
+      std::size_t const room = std::min<std::size_t>(count, value_budget);
+      property->reserve_values(room);
+      value_budget -= room;
       property->load_new_xml_value(e);
       owing.back().taken = 1;
       if (count > 1) ++still_owed;
@@ -155,15 +271,11 @@ fs_property_tree_base_impl::load_fields(xml_node* node) {
                                  std::to_string(owing[i].taken) + " elements");
     }
   }
-  // Taken from the properties, which lie in the pool in document order.
-  std::vector<std::pair<std::string_view, std::size_t>> sorted;
-  sorted.reserve(props.size());
-  for (std::size_t i = 0; i < props.size(); ++i) sorted.emplace_back(props[i]->name_string(), i);
-  std::sort(sorted.begin(), sorted.end(),
-            [](auto const& a, auto const& b) { return name_order()(a.first, b.first); });
+  std::sort(order.begin(), order.end(), order_entry_less);
   index_type index = new_index();
-  for (auto const& entry : sorted)
-    index.emplace_hint(index.end(), props[entry.second]->name_string(), props[entry.second]);
+  for (order_entry const& entry : order)
+    index.emplace_hint(index.end(), std::piecewise_construct, std::forward_as_tuple(entry.name),
+                       std::forward_as_tuple(props[entry.index]));
   return {std::move(props), std::move(index)};
 }
 

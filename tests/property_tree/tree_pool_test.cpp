@@ -50,6 +50,34 @@ TEST(TreePool, PiecesAreAlignedAndDoNotOverlapAcrossBlocks) {
   for (piece const& p : pieces) pool.deallocate(p.p, p.size);
 }
 
+// Filled until it holds `blocks` bytes in blocks; the pieces in order.
+std::vector<void*> fill_to(tree_pool& pool, std::size_t blocks) {
+  std::vector<void*> pieces;
+  while (pool.block_bytes() < blocks) pieces.push_back(pool.allocate(64));
+  return pieces;
+}
+
+// The full blocks of a dead pool are kept and the next pool takes them
+// before it goes to the heap.
+TEST(TreePool, ADeadPoolsFullBlocksServeTheNextPool) {
+  // 4 + 4 + 8 + 16 + 32 KiB, then three full blocks.
+  std::size_t const size = 4 * tree_pool::full_block;
+  std::size_t const full_blocks = 3;
+  ASSERT_LE(tree_pool::kept_bytes() + size, tree_pool::kept_block_limit);
+  std::size_t kept_while_alive = 0;
+  {
+    tree_pool pool;
+    fill_to(pool, size);
+    kept_while_alive = tree_pool::kept_bytes();  // it may have taken blocks kept before
+  }
+  std::size_t const kept_after = tree_pool::kept_bytes();
+  EXPECT_EQ(kept_while_alive + full_blocks * tree_pool::full_block, kept_after);
+  tree_pool pool;
+  std::vector<void*> pieces = fill_to(pool, size);
+  EXPECT_EQ(kept_after - full_blocks * tree_pool::full_block, tree_pool::kept_bytes());
+  for (void* p : pieces) pool.deallocate(p, 64);
+}
+
 TEST(TreePool, LargeRequestsUseTheHeap) {
   tree_pool pool;
   void* big = pool.allocate(tree_pool::largest + 1);
@@ -91,6 +119,21 @@ TEST(TreePoolDeathTest, UseAfterReleaseIsReported) {
         tree_pool pool;
         auto* p = static_cast<volatile char*>(pool.allocate(64));
         pool.deallocate(const_cast<char*>(p), 64);
+        p[8] = 1;
+      },
+      "use-after-poison");
+}
+
+// A dead tree's memory is poisoned while its blocks wait for the next pool.
+TEST(TreePoolDeathTest, UseOfAKeptBlockIsReported) {
+  ASSERT_LE(tree_pool::kept_bytes() + 2 * tree_pool::full_block, tree_pool::kept_block_limit);
+  EXPECT_DEATH(
+      {
+        volatile char* p = nullptr;
+        {
+          tree_pool pool;
+          p = static_cast<char*>(fill_to(pool, 2 * tree_pool::full_block).back());
+        }
         p[8] = 1;
       },
       "use-after-poison");

@@ -98,6 +98,35 @@ TEST(XmlForm, CountConsumesSameNamedSiblingsEvenWithOthersBetween) {
   EXPECT_EQ(tree->get_property("a").at(2).get_lng_val(), 3);
 }
 
+// Thousands of names, half of them alike in their first twenty bytes, each
+// property's second value far from its first and in the reverse order: every
+// value reaches its own property and every name is found afterwards.
+TEST(XmlForm, ManyPropertiesWithScatteredValuesAreEachFound) {
+  constexpr int kProperties = 5000;
+  auto name_of = [](int i) {
+    return (i % 2 == 0 ? "a_long_shared_prefix_" : "p") + std::to_string(i);
+  };
+  std::string text = "<r>";
+  for (int i = 0; i < kProperties; ++i)
+    text += "<" + name_of(i) + " type=\"int\" count=\"2\">" + std::to_string(i) + "</" +
+            name_of(i) + ">";
+  for (int i = kProperties - 1; i >= 0; --i)
+    text += "<" + name_of(i) + ">" + std::to_string(-i) + "</" + name_of(i) + ">";
+  text += "</r>";
+  fs_property_tree_ptr tree = fs_property_tree_load_utf8(text.c_str());
+  ASSERT_EQ(tree->size(), static_cast<std::size_t>(kProperties));
+  for (int i = 0; i < kProperties; ++i) {
+    std::string const name = name_of(i);
+    ASSERT_EQ(tree->at(static_cast<std::size_t>(i)).name(), name);
+    fs_property_tree_property& p = tree->get_property(name.c_str());
+    ASSERT_EQ(p.size(), 2u) << name;
+    EXPECT_EQ(p.at(0).get_lng_val(), i);
+    EXPECT_EQ(p.at(1).get_lng_val(), -i);
+  }
+  EXPECT_FALSE(tree->has_property("a_long_shared_prefix_"));
+  EXPECT_FALSE(tree->has_property("p5000"));
+}
+
 TEST(XmlForm, WideEntryPointsMatchTheUtf8Ones) {
   fs_property_tree_ptr tree = fs_property_tree_load(L"<r><s>\x00e9\x4e2d\x1f600</s></r>");
   EXPECT_EQ(std::wstring(tree->at(0).at(0).get_str_val()), L"\x00e9\x4e2d\x1f600");
@@ -204,8 +233,18 @@ bad_case const content[] = {
 };
 INSTANTIATE_TEST_SUITE_P(Content, BadInput, ::testing::ValuesIn(content));
 
+// An element of `count` attributes a0, a1, ... with the last one named as
+// `last` instead.
+std::string many_attributes(int count, std::string const& last) {
+  std::string s = "<p";
+  for (int i = 0; i + 1 < count; ++i)
+    s += " a" + std::to_string(i) + "=\"" + std::to_string(i) + "\"";
+  return s + " " + last + "=\"x\"/>";
+}
+
 // What the parser alone would take although it is not well-formed XML.
 char const* const bad_reference = "invalid numeric character entity";
+char const* const repeated_attribute = "duplicate attribute name";
 bad_case const not_well_formed[] = {
     {"reference to a surrogate", "<r><a>&#xD800;</a></r>", bad_reference},
     {"reference to NUL", "<r><a>x&#0;y</a></r>", bad_reference},
@@ -218,6 +257,15 @@ bad_case const not_well_formed[] = {
     {"'&' starting nothing", "<r><a>fish & chips</a></r>",
      "'&' at byte offset 11 starts no character or entity reference"},
     {"second root element", "<r/><s/>", "the XML text has a second root element 's'"},
+    {"repeated attribute in an xml value", "<r><x type=\"xml\"><p q=\"1\" q=\"2\"/></x></r>",
+     repeated_attribute},
+    {"repeated attribute deep in an xml value",
+     "<r><x type=\"xml\">t<p><q a='1' b='2' a='1'>u</q></p></x></r>", repeated_attribute},
+    {"repeated attribute among many in an xml value",
+     "<r><x type=\"xml\">" + many_attributes(40, "a17") + "</x></r>", repeated_attribute},
+    {"repeated attribute on a property element", "<r><a type=\"int\" type=\"bool\">1</a></r>",
+     repeated_attribute},
+    {"repeated attribute on the root element", "<r v='1' v='1'/>", repeated_attribute},
 };
 INSTANTIATE_TEST_SUITE_P(WellFormedness, BadInput, ::testing::ValuesIn(not_well_formed));
 
@@ -258,6 +306,25 @@ TEST(XmlForm, XmlValueThatIsNotWellFormedIsRefusedOnWriting) {
   EXPECT_TRUE(throws_with<std::runtime_error>(
       [&] { tree->serialize_utf8txt(); },
       "xml value of property 'x' is not a well-formed XML fragment: invalid closing tag name"));
+}
+
+TEST(XmlForm, XmlValueRepeatingAnAttributeIsRefusedOnWriting) {
+  fs_property_tree_ptr tree = fs_property_tree_create("r");
+  tree->add_xml_property("x", L"<p q='1' q='2'/>");
+  EXPECT_TRUE(throws_with<std::runtime_error>(
+      [&] { tree->serialize_utf8txt(); },
+      "xml value of property 'x' is not a well-formed XML fragment: duplicate attribute name"));
+}
+
+// Attribute names that differ, however many and however alike, load, and
+// the value keeps every one of them.
+TEST(XmlForm, DistinctAttributesInAnXmlValueLoad) {
+  std::string const fragment =
+      many_attributes(40, "a39") + "<p a=\"1\" A=\"2\" ab=\"3\" b=\"4\"/><p a=\"1\"/><p a=\"1\"/>";
+  fs_property_tree_ptr tree =
+      fs_property_tree_load_utf8(("<r><x type=\"xml\">" + fragment + "</x></r>").c_str());
+  EXPECT_EQ(std::wstring(tree->get_property("x").at(0).get_str_val()),
+            std::wstring(fragment.begin(), fragment.end()));
 }
 
 TEST(XmlForm, CommentsCdataAndDeclarationsAreTolerated) {
