@@ -171,6 +171,8 @@ FS_EXPORT FS_STATUS GEN_DeviceDispName(GENERIC_DLE* dle, wchar_t* buffer, unsign
 FS_EXPORT FS_STATUS GEN_GetVolName(GENERIC_DLE* dle, wchar_t* buffer);
 // (length + 1) * 4 of that name; 0 for a null DLE.
 FS_EXPORT FS_STATUS GEN_SizeofVolName(GENERIC_DLE* dle);
+// The same size as GEN_SizeofVolName: a DLE's device name is shown by the
+// name GEN_DeviceDispName gives. 0 for a null DLE.
 FS_EXPORT FS_STATUS GEN_SizeofDevName(GENERIC_DLE* dle);
 
 // ---- the set-copy blob ---------------------------------------------------------
@@ -203,6 +205,8 @@ FS_EXPORT FS_STATUS GEN_InitMakeData(FSYS_HAND_STRUCT* hand, short kind, _CREATE
 // The object type at byte 88 of a directory or file block. Return 0
 // (FS_ERR_BAD_PARAMETER for null arguments).
 FS_EXPORT FS_STATUS GEN_GetObjTypeDBLK(FSYS_HAND_STRUCT* hand, DBLK* blk, OBJECT_TYPE* type);
+// Stores the object type at byte 88 of the block; the handle is not used.
+// Returns 0 (FS_ERR_BAD_PARAMETER for a null block).
 FS_EXPORT FS_STATUS GEN_SetObjTypeDBLK(FSYS_HAND_STRUCT* hand, DBLK* blk, OBJECT_TYPE type);
 // Copies extended-attribute name `which` (GEN_EA_NAME_1 or 2) of a file
 // block with an extended-attribute sub-code into `buffer`; `*size` is the

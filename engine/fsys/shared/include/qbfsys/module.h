@@ -18,4 +18,8 @@ typedef int FS_Get64BitTable_fn(int n, unsigned long long mask, _FUNC_LIST* out,
 typedef int FS_GetInterfaceVersion_fn(void);
 }
 
+// Marks a module's entry points (GetTable, Get64BitTable,
+// GetInterfaceVersion): C linkage, so the layer finds them by their plain
+// names with dlsym, and default visibility, so they stay exported when the
+// module is built with hidden visibility.
 #define FS_MODULE_EXPORT extern "C" __attribute__((visibility("default")))
