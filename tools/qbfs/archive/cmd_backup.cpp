@@ -277,38 +277,29 @@ std::wstring base_name(std::string const& path) {
 }  // namespace
 
 int cmd_backup(Options const& options, int argc, char** argv) {
-  std::string output;
+  Arguments args;
+  if (int const rc = parse_arguments(argc, argv, kCommand,
+                                     {{"-o", "--output", true}, {nullptr, "--exclude", true},
+                                      {nullptr, "--exclude-from", true}, kVerbose, kQuiet},
+                                     args))
+    return rc;
+  if (args.help) {
+    std::fputs(kHelp, stdout);
+    return 0;
+  }
+  std::string const output = args.value("--output");
+  std::vector<std::string> const& sources = args.operands;
+  bool const verbose = args.has("--verbose"), quiet = options.quiet || args.has("--quiet");
   std::vector<Rule> rules;
-  std::vector<std::string> sources;
-  bool verbose = false, quiet = options.quiet;
-  for (int i = 1; i < argc; ++i) {
-    std::string const a = argv[i];
-    std::string value;
-    if (a == "-h" || a == "--help") {
-      std::fputs(kHelp, stdout);
-      return 0;
-    } else if (a == "-o" || a == "--output") {
-      if (!take_value(i, argc, argv, kCommand, output)) return 2;
-    } else if (a == "--exclude") {
-      if (!take_value(i, argc, argv, kCommand, value)) return 2;
+  for (auto const& [name, value] : args.options) {
+    if (name == "--exclude") {
       if ((value.size() + 1) * sizeof(wchar_t) > DLE_MAX_RULE_BYTES)
         return usage_error(kCommand, "the pattern '" + value.substr(0, 40) + "...' is too long");
       rules.push_back({widen(value), kReasonExcludeOption});
-    } else if (a == "--exclude-from") {
-      if (!take_value(i, argc, argv, kCommand, value)) return 2;
-      if (!read_exclude_file(value, rules)) {
-        std::fprintf(stderr, "%s: cannot read the exclusion file '%s': %s\n", kCommand,
-                     value.c_str(), std::strerror(errno));
-        return 1;
-      }
-    } else if (a == "-v" || a == "--verbose") {
-      verbose = true;
-    } else if (a == "-q" || a == "--quiet") {
-      quiet = true;
-    } else if (a.size() > 1 && a[0] == '-') {
-      return usage_error(kCommand, "unknown option " + a);
-    } else {
-      sources.push_back(a);
+    } else if (name == "--exclude-from" && !read_exclude_file(value, rules)) {
+      std::fprintf(stderr, "%s: cannot read the exclusion file '%s': %s\n", kCommand, value.c_str(),
+                   std::strerror(errno));
+      return 1;
     }
   }
   if (output.empty()) return usage_error(kCommand, "no archive given (-o ARCHIVE, or -o - for standard output)");

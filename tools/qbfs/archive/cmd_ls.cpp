@@ -61,23 +61,15 @@ std::string long_line(ObjectEntry const& entry, std::string const& symlink, std:
 }  // namespace
 
 int cmd_ls(int argc, char** argv) {
-  std::string archive_name;
-  bool long_form = false;
-  for (int i = 1; i < argc; ++i) {
-    std::string const a = argv[i];
-    if (a == "-h" || a == "--help") {
-      std::fputs(kHelp, stdout);
-      return 0;
-    } else if (a == "-l" || a == "--long") {
-      long_form = true;
-    } else if (a.size() > 1 && a[0] == '-') {
-      return usage_error(kCommand, "unknown option " + a);
-    } else if (archive_name.empty()) {
-      archive_name = a;
-    } else {
-      return usage_error(kCommand, "more than one archive given");
-    }
+  Arguments args;
+  if (int const rc = parse_arguments(argc, argv, kCommand, {{"-l", "--long", false}}, args)) return rc;
+  if (args.help) {
+    std::fputs(kHelp, stdout);
+    return 0;
   }
+  if (args.operands.size() > 1) return usage_error(kCommand, "more than one archive given");
+  std::string const archive_name = args.operands.empty() ? std::string() : args.operands.front();
+  bool const long_form = args.has("--long");
   if (archive_name.empty()) return usage_error(kCommand, "no archive given");
   ArchiveInput input;
   if (int const rc = input.open(archive_name, kCommand)) return rc;

@@ -187,33 +187,25 @@ class RestoreJob {
 }  // namespace
 
 int cmd_restore(Options const& options, int argc, char** argv) {
-  std::string archive_name, directory;
+  Arguments args;
+  if (int const rc = parse_arguments(argc, argv, kCommand, {{"-C", "--directory", true}, kVerbose, kQuiet}, args))
+    return rc;
+  if (args.help) {
+    std::fputs(kHelp, stdout);
+    return 0;
+  }
+  std::string const archive_name = args.operands.empty() ? std::string() : args.operands.front();
+  std::string const directory = args.value("--directory");
+  bool const verbose = args.has("--verbose"), quiet = options.quiet || args.has("--quiet");
   std::vector<Components> selection;
-  bool verbose = false, quiet = options.quiet;
-  for (int i = 1; i < argc; ++i) {
-    std::string const a = argv[i];
-    if (a == "-h" || a == "--help") {
-      std::fputs(kHelp, stdout);
-      return 0;
-    } else if (a == "-C" || a == "--directory") {
-      if (!take_value(i, argc, argv, kCommand, directory)) return 2;
-    } else if (a == "-v" || a == "--verbose") {
-      verbose = true;
-    } else if (a == "-q" || a == "--quiet") {
-      quiet = true;
-    } else if (a.size() > 1 && a[0] == '-') {
-      return usage_error(kCommand, "unknown option " + a);
-    } else if (archive_name.empty()) {
-      archive_name = a;
-    } else {
-      std::string trimmed = a;
-      while (trimmed.size() > 1 && trimmed.back() == '/') trimmed.pop_back();
-      Components path;
-      std::string why;
-      if (!decode_path(trimmed, path, why))
-        return usage_error(kCommand, "the path '" + a + "' cannot name an object of an archive: " + why);
-      selection.push_back(path);
-    }
+  for (std::size_t i = 1; i < args.operands.size(); ++i) {
+    std::string trimmed = args.operands[i];
+    while (trimmed.size() > 1 && trimmed.back() == '/') trimmed.pop_back();
+    Components path;
+    std::string why;
+    if (!decode_path(trimmed, path, why))
+      return usage_error(kCommand, "the path '" + args.operands[i] + "' cannot name an object of an archive: " + why);
+    selection.push_back(path);
   }
   if (archive_name.empty()) return usage_error(kCommand, "no archive given");
   if (directory.empty()) return usage_error(kCommand, "no target directory given (-C DIR)");

@@ -203,27 +203,17 @@ void verify(ArchiveReader& reader, Console& console, Comparer* against, bool ver
 }  // namespace
 
 int cmd_verify(Options const& options, int argc, char** argv) {
-  std::string archive_name, against;
-  bool verbose = false, quiet = options.quiet;
-  for (int i = 1; i < argc; ++i) {
-    std::string const a = argv[i];
-    if (a == "-h" || a == "--help") {
-      std::fputs(kHelp, stdout);
-      return 0;
-    } else if (a == "--against") {
-      if (!take_value(i, argc, argv, kCommand, against)) return 2;
-    } else if (a == "-v" || a == "--verbose") {
-      verbose = true;
-    } else if (a == "-q" || a == "--quiet") {
-      quiet = true;
-    } else if (a.size() > 1 && a[0] == '-') {
-      return usage_error(kCommand, "unknown option " + a);
-    } else if (archive_name.empty()) {
-      archive_name = a;
-    } else {
-      return usage_error(kCommand, "more than one archive given");
-    }
+  Arguments args;
+  if (int const rc = parse_arguments(argc, argv, kCommand, {{nullptr, "--against", true}, kVerbose, kQuiet}, args))
+    return rc;
+  if (args.help) {
+    std::fputs(kHelp, stdout);
+    return 0;
   }
+  if (args.operands.size() > 1) return usage_error(kCommand, "more than one archive given");
+  std::string const archive_name = args.operands.empty() ? std::string() : args.operands.front();
+  std::string const against = args.value("--against");
+  bool const verbose = args.has("--verbose"), quiet = options.quiet || args.has("--quiet");
   if (archive_name.empty()) return usage_error(kCommand, "no archive given");
   std::string resolved, why;
   if (!against.empty())
