@@ -97,6 +97,9 @@ std::string failure_text(FSYS_HAND_STRUCT* hand, FS_STATUS status) {
 
 FS_STATUS make_block(FSYS_HAND_STRUCT* hand, ObjectRecord const& record, std::wstring const& name,
                      std::vector<unsigned char>& os_info, DBLK* out) {
+  // The request counts the name's bytes in 16 bits: a longer name (only a
+  // hostile archive has one) would reach the module cut short.
+  if ((name.size() + 1) * sizeof(wchar_t) > 0xFFFFu) return FS_ERR_NAME_TOO_LONG;
   _CREATE_DBLK request;
   FS_SetDefaultDBLK(hand, static_cast<char>(record.blk_type), 0, &request);
   request.dblk = request.gen.dblk = out;
@@ -134,8 +137,12 @@ bool HandleCursor::go_to(Components const& dir, bool create, std::string& why,
   for (; current_.size() > common; current_.pop_back()) t.ChangeDirUp(hand_);
   for (std::size_t k = common; k < dir.size(); ++k) {
     DBLK block{};
-    make_plain_directory(hand_, dir[k], &block);
-    FS_STATUS status = t.ChangeIntoDDB(hand_, &block);
+    FS_STATUS status = make_plain_directory(hand_, dir[k], &block);
+    if (status != FS_SUCCESS) {
+      why = "its directory cannot be described: " + failure_text(hand_, status);
+      return false;
+    }
+    status = t.ChangeIntoDDB(hand_, &block);
     if (status != FS_SUCCESS && create) {
       status = t.CreateObj(hand_, &block, nullptr, RESTORE_OVERWRITE);
       if (status == FS_SUCCESS) status = t.ChangeIntoDDB(hand_, &block);
