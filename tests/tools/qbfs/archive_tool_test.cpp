@@ -7,7 +7,6 @@
 #include <fcntl.h>
 #include <stdlib.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <cctype>
@@ -31,45 +30,19 @@
 #include "archive_reader.h"
 #include "archive_writer.h"
 #include "fs_tree.h"
+#include "tool_run.h"
 #include "posix_name_codec.h"
 
 namespace {
 
 using namespace qbfs::archive;
 
-struct ToolRun {
-  int status;  // the exit status, or 128 + the signal that ended it
-  std::string out, err;
-};
-
-ToolRun shell(std::string const& command) {
-  static int count = 0;
-  std::string const err_file =
-      ::testing::TempDir() + "qbfs_archive_err." + std::to_string(getpid()) + "." + std::to_string(++count);
-  ToolRun run{-1, {}, {}};
-  FILE* pipe = popen(("(" + command + ") 2>'" + err_file + "'").c_str(), "r");
-  if (pipe == nullptr) return run;
-  char buffer[4096];
-  for (std::size_t n; (n = std::fread(buffer, 1, sizeof buffer, pipe)) > 0;) run.out.append(buffer, n);
-  int const status = pclose(pipe);
-  run.status = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
-  std::ifstream err(err_file);
-  run.err.assign(std::istreambuf_iterator<char>(err), std::istreambuf_iterator<char>());
-  std::remove(err_file.c_str());
-  return run;
-}
-
-std::string const kTool = std::string("timeout 120 '") + QBFS_PATH + "' ";
-ToolRun qbfs(std::string const& args) { return shell(kTool + args); }
-
-bool has(std::string const& text, std::string const& part) { return text.find(part) != std::string::npos; }
-
-// A run that ended by itself with a documented status and no sanitizer report.
-::testing::AssertionResult clean(ToolRun const& run) {
-  if (run.status >= 0 && run.status <= 2 && !has(run.err, "Sanitizer") && !has(run.err, "runtime error:"))
-    return ::testing::AssertionSuccess();
-  return ::testing::AssertionFailure() << "status " << run.status << "\n" << run.err;
-}
+using qbtest::clean;
+using qbtest::has;
+using qbtest::qbfs;
+using qbtest::shell;
+using qbtest::ToolRun;
+std::string const kTool = qbtest::qbfs_command();
 
 // QB_TEST_SEED moves every seeded test to other seeds; failures print the seed.
 std::uint32_t seeded(std::uint32_t base) {

@@ -1,48 +1,23 @@
 // The command-line host run as a person runs it: a separate process, its
 // output and exit status.
 #include <stdlib.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <cstdio>
 #include <fstream>
-#include <iterator>
 #include <string>
 #include <sys/stat.h>
 
 #include <gtest/gtest.h>
 
+#include "tool_run.h"
+
 namespace {
 
-struct ToolRun {
-  int status;
-  std::string out;  // standard output
-  std::string err;  // standard error
-};
+using qbtest::has;
+using qbtest::ToolRun;
 
-// Runs the tool under a time limit (a hang ends with status 124).
-ToolRun qbfs(std::string const& args) {
-  // One file per process: ctest runs the tests of this binary side by side.
-  std::string err_file = ::testing::TempDir() + "qbfs_tool_err." + std::to_string(getpid());
-  std::string command =
-      std::string("timeout 30 '") + QBFS_PATH + "' " + args + " 2>'" + err_file + "'";
-  ToolRun run{-1, {}, {}};
-  FILE* pipe = popen(command.c_str(), "r");
-  if (pipe == nullptr) return run;
-  char buffer[4096];
-  std::size_t n;
-  while ((n = std::fread(buffer, 1, sizeof buffer, pipe)) > 0) run.out.append(buffer, n);
-  int status = pclose(pipe);
-  run.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-  std::ifstream err(err_file);
-  run.err.assign(std::istreambuf_iterator<char>(err), std::istreambuf_iterator<char>());
-  std::remove(err_file.c_str());
-  return run;
-}
-
-bool has(std::string const& text, std::string const& part) {
-  return text.find(part) != std::string::npos;
-}
+ToolRun qbfs(std::string const& args) { return qbtest::qbfs(args, 30); }
 
 TEST(QbfsTool, HelpAndBadUsage) {
   ToolRun help = qbfs("--help");
