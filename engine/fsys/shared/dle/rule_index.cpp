@@ -271,26 +271,33 @@ bool RuleIndex::first_match(std::wstring& key, std::uint32_t* reason) const {
 }
 
 void free_rule_index(DLE_RULE_INDEX*& index) noexcept {
-  delete index;
-  index = nullptr;
+  while (index != nullptr) {
+    DLE_RULE_INDEX* const older = index->superseded;
+    delete index;
+    index = older;
+  }
 }
 
-bool indexed_first_match(GENERIC_DLE* dle, DLE_RULE_INDEX*& slot,
-                         std::vector<RuleIndex::Pattern> (*collect)(GENERIC_DLE*),
+bool indexed_first_match(GENERIC_DLE* dle, DLE_RULE_INDEX*& slot, RuleListKind const& kind,
                          std::wstring& key, std::uint32_t* reason) {
   // Lookups through several handles may meet here at once; the first index
-  // published wins and a late builder drops its own.
+  // published wins and a late builder drops its own. A stale index stays
+  // reachable behind the new one, because a concurrent lookup may still be
+  // reading it.
   DLE_RULE_INDEX* index = __atomic_load_n(&slot, __ATOMIC_ACQUIRE);
-  if (index == nullptr) {
-    auto* fresh = new DLE_RULE_INDEX{RuleIndex(collect(dle), qbfsys::filespec::Folder())};
-    DLE_RULE_INDEX* expected = nullptr;
+  while (index == nullptr || !kind.unchanged(dle, index->stamps)) {
+    RuleListView view = kind.collect(dle);
+    auto* fresh = new DLE_RULE_INDEX{RuleIndex(std::move(view.patterns), qbfsys::filespec::Folder()),
+                                     std::move(view.stamps), index};
+    DLE_RULE_INDEX* expected = index;
     if (__atomic_compare_exchange_n(&slot, &expected, fresh, false, __ATOMIC_ACQ_REL,
                                     __ATOMIC_ACQUIRE)) {
       index = fresh;
-    } else {
-      delete fresh;
-      index = expected;
+      break;
     }
+    fresh->superseded = nullptr;
+    delete fresh;
+    index = expected;
   }
   return index->index.first_match(key, reason);
 }

@@ -1,9 +1,13 @@
 // GEN_CreateFDB, GEN_CreateDDB and GEN_CreateDBLK: directory and file blocks
 // built from the media's description.
 //
-// A name that cannot be set up fails the creation but leaves the block
-// consistent: every element it got is recorded in it, so GEN_ReleaseBlk
-// gives everything back.
+// A name that cannot be set up fails the creation but the other parts are
+// still built, and the block stays consistent: every element it got is
+// recorded in it, so GEN_ReleaseBlk gives everything back. The status is the
+// first failure among the OS name, the extended-attribute names and the
+// extended name, in that order. An extended name above the largest name
+// element (32,767 bytes) is refused with FS_ERR_NAME_TOO_LONG rather than cut
+// to 16 bits.
 #include <cstring>
 #include <cwchar>
 
@@ -102,15 +106,21 @@ FS_STATUS create(FSYS_HAND_STRUCT* hand, _GEN_DBLK_DATA* data, std::uint8_t kind
   copy_date(d.mdate, gen.mdate);
   copy_date(d.adate, gen.adate);
 
+  // Every part is built even when the OS name could not be set up, so the
+  // block carries all that the media described; the first failure among the
+  // names (OS name, extended-attribute names, extended name) is returned.
   FS_STATUS status = FS_SUCCESS;
+  auto keep_first = [&status](FS_STATUS next) {
+    if (status == FS_SUCCESS) status = next;
+  };
   if ((d.media_attrib & DBLK_ATTR1_NAME_ENCRYPTED) == 0) {
     auto* name = static_cast<unsigned char*>(const_cast<void*>(d.name));
-    status = FS_SetupOSPathOrNameInDBLK(hand, blk, name, d.name_size, 0);
+    keep_first(FS_SetupOSPathOrNameInDBLK(hand, blk, name, d.name_size, 0));
   }
-  if (status == FS_SUCCESS && file && dblk_is_ea_subtype(d.blk_subtype)) status = set_ea_part(hand, blk, d);
+  if (file && dblk_is_ea_subtype(d.blk_subtype)) keep_first(set_ea_part(hand, blk, d));
   if (file && d.blk_subtype == DBLK_SUBTYPE_NUMERIC && d.numeric != nullptr)
     gen.ext.numeric = *d.numeric;
-  if (status == FS_SUCCESS) status = set_ext_name(hand, blk, d.ext_name);
+  keep_first(set_ext_name(hand, blk, d.ext_name));
   return status;
 }
 

@@ -10,6 +10,11 @@
 #include <qbfsys/name_pool.h>
 #include <qbhost/zprintf.h>
 
+// Chaining an adapter the handle already had would need the generic object
+// to hold it and forward to it, and the adapter classes hold no data: an
+// adapter already on the handle keeps serving it (replacing it would lose a
+// module's own adapter and leak it). So the generic adapter is installed only
+// on a handle without one.
 FS_STATUS GEN_OpenSys(FSYS_HAND_STRUCT* hand) {
   if (hand == nullptr) {
     QB_Zprintf(0, L"FS_FshGen: Bad Parameter at line number %d", GEN_OPEN_SYS_LINE);

@@ -30,7 +30,7 @@ FS_STATUS bad_parameter(int line) {
 FS_FshGen::~FS_FshGen() = default;
 
 FS_STATUS FS_FshGen::CloseSys(FSYS_HAND_STRUCT* hand) {
-  if (hand != nullptr && hand->adapter == this) hand->adapter = nullptr;
+  if (hand != nullptr) hand->adapter = nullptr;
   delete this;
   return FS_SUCCESS;
 }

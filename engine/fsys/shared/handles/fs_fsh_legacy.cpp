@@ -33,7 +33,7 @@ FS_STATUS FS_FshLegacy::CloseSys(FSYS_HAND_STRUCT* hand) {
   if (hand != nullptr) {
     if (hand->funcTable != nullptr && hand->funcTable->CloseSys != nullptr)
       result = hand->funcTable->CloseSys(hand);
-    if (hand->adapter == this) hand->adapter = nullptr;
+    hand->adapter = nullptr;
   }
   delete this;
   return result;

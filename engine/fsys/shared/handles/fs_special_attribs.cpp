@@ -39,7 +39,10 @@ bool get_name(FSYS_HAND_STRUCT* hand, DBLK* blk, wchar_t* at) {
 }
 
 // False when the path cannot be built.
+// A block that is neither a file nor a directory stops before the file
+// system is asked anything.
 bool build_path(FSYS_HAND_STRUCT* hand, DBLK* blk, ObjectPath& path) {
+  if (blk->blk_type != DBLK_KIND_FDB && blk->blk_type != DBLK_KIND_DDB) return false;
   std::int16_t const size = name_size(hand, blk);
   if (size < 0) return false;
   if (blk->blk_type == DBLK_KIND_FDB) {
@@ -55,13 +58,10 @@ bool build_path(FSYS_HAND_STRUCT* hand, DBLK* blk, ObjectPath& path) {
     path.bytes = static_cast<std::int16_t>(length + size);
     return true;
   }
-  if (blk->blk_type == DBLK_KIND_DDB) {
-    if (size > kLongestDirectoryName) return false;
-    if (!get_name(hand, blk, path.text)) return false;
-    path.bytes = size;
-    return true;
-  }
-  return false;
+  if (size > kLongestDirectoryName) return false;
+  if (!get_name(hand, blk, path.text)) return false;
+  path.bytes = size;
+  return true;
 }
 
 }  // namespace
@@ -76,11 +76,15 @@ void FS_GetSpecialAttribs(FSYS_HAND_STRUCT* hand, DBLK* blk) {
   blk->obj_flags |= DLE_GetExcludeReason(dle, path.text, path.bytes);
 }
 
+// `*flag` is written only with an answer: 0 when there are no rules to ask,
+// the cached or the new reason otherwise. A path that cannot be built leaves
+// it as the caller set it.
 FS_STATUS FS_GetAgentWarningFlag(FSYS_HAND_STRUCT* hand, DBLK* blk, unsigned int* flag) {
-  if (flag != nullptr) *flag = 0;
   if (hand == nullptr || hand->dle == nullptr || hand->dle->agent_warnings == nullptr ||
-      blk == nullptr)
+      blk == nullptr) {
+    if (flag != nullptr) *flag = 0;
     return FS_ERR_NOT_SUPPORTED;
+  }
   if (blk->agent_warning != 0) {
     if (flag != nullptr) *flag = blk->agent_warning & ~DBLK_WARNING_CACHED;
     return FS_SUCCESS;

@@ -90,21 +90,55 @@ class RuleIndex {
 
 }  // namespace fsys
 
-// What a DLE holds for each rule set's patterns once looked up.
+namespace fsys {
+
+// One rule-list entry as it was when an index was built: the entry's
+// address, the link that followed it (the next entry, or the text for
+// entries kept in a vector), its reason and its size. A lookup compares the
+// list with these before it trusts the index.
+struct RuleStamp {
+  void const* entry;
+  void const* link;
+  std::uint32_t reason;
+  std::size_t size;
+};
+
+// The patterns of one rule list of a DLE and the stamps of its entries.
+struct RuleListView {
+  std::vector<RuleIndex::Pattern> patterns;
+  std::vector<RuleStamp> stamps;
+};
+
+// How a rule list is read: `collect` lists it for a new index; `unchanged`
+// says whether the list still matches the stamps taken by `collect`.
+struct RuleListKind {
+  RuleListView (*collect)(GENERIC_DLE* dle);
+  bool (*unchanged)(GENERIC_DLE const* dle, std::vector<RuleStamp> const& stamps) noexcept;
+};
+
+}  // namespace fsys
+
+// What a DLE holds for each rule set's patterns once looked up. An index
+// found stale is not freed at once (another handle may be reading it) but
+// kept behind its successor until the rules change through the rule API or
+// the DLE is freed.
 struct DLE_RULE_INDEX {
   fsys::RuleIndex index;
+  std::vector<fsys::RuleStamp> stamps;
+  DLE_RULE_INDEX* superseded = nullptr;
 };
 
 namespace fsys {
 
-// Frees an index (null is fine).
+// Frees an index and those it superseded (null is fine).
 void free_rule_index(DLE_RULE_INDEX*& index) noexcept;
 
-// The reason of the first pattern that `key` matches, or false; the index
-// is built into `slot` on first use from what `collect` returns for `dle`
-// (the slot is cleared whenever the rules change). Throws std::bad_alloc.
-bool indexed_first_match(GENERIC_DLE* dle, DLE_RULE_INDEX*& slot,
-                         std::vector<RuleIndex::Pattern> (*collect)(GENERIC_DLE*),
+// The reason of the first pattern that `key` matches, or false. The index
+// is built into `slot` on first use from what `kind.collect` returns for
+// `dle`, and built again when `kind.unchanged` finds that the list was
+// changed behind the rule API (modules can reach the list). The rule API
+// clears the slot itself. Throws std::bad_alloc.
+bool indexed_first_match(GENERIC_DLE* dle, DLE_RULE_INDEX*& slot, RuleListKind const& kind,
                          std::wstring& key, std::uint32_t* reason);
 
 }  // namespace fsys

@@ -46,9 +46,9 @@ constexpr std::uint16_t GEN_EA_NAME_2 = 2;
 // `which` (GEN_EA_NAME_1 or GEN_EA_NAME_2) of a GEN block: the element goes
 // to blk->area.gen.ext.ea.ea_name1 or ea_name2. When both `size` and
 // `allocSize` are 0 the field is set to null and FS_SUCCESS returned. Any
-// other `which` is refused with FS_ERR_BAD_PARAMETER before anything is
-// allocated (an element nobody points at would stay in use until the handle
-// closes).
+// other `which` builds the element, returns the status of building it and
+// stores it nowhere: it stays in the handle's in-use queue until the pools are
+// freed when the handle closes. Statuses: those of FS_SetupOSPathOrNameInDBLK.
 FS_EXPORT FS_STATUS FS_SetupExtendedAttribNameInGenDBLK(FSYS_HAND_STRUCT* hand, DBLK* blk,
                                                         unsigned char* name, std::uint16_t size,
                                                         std::uint16_t which,

@@ -117,9 +117,13 @@ struct GENERIC_DLE {
   wchar_t* alt_name;                // alternate (display) name
   DLE_UNSELECT_RECORD* unselect;    // owned, may be null
 
-  // Rules about the objects below the element. Change them only through
-  // DLE_AddSpecObj, DLE_AddAgentWarningObj and their removal calls: those
-  // also drop the indexes that lookups build over the patterns.
+  // Rules about the objects below the element, best changed through
+  // DLE_AddSpecObj, DLE_AddAgentWarningObj and their removal calls. A module
+  // may also link, unlink or replace pattern entries itself: each lookup
+  // checks the pattern lists (entries, order, reasons, sizes) against what
+  // its index was built from and builds the index again when they differ.
+  // Editing a pattern's characters in place is not noticed; replace the
+  // entry instead. Changes must not race with lookups.
   DLE_SPEC_PATTERN* exclude_patterns;   // owned list
   DLE_EXCLUDE_PATHS* exclude_paths;     // owned, may be null
   DLE_AGENT_WARNINGS* agent_warnings;   // owned, may be null

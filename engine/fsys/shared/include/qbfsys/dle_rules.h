@@ -52,7 +52,8 @@ FS_EXPORT void DLE_RemoveAgentWarningObjs(GENERIC_DLE* dle);
 // NUL instead of the delimiter, `pathBytes` bytes with the final
 // terminator; the DLE's delimiter is also taken as a separator): the exact
 // path's reason, else the first matching pattern's, else 0. 0 for a null DLE
-// or path or a path of 4 bytes or less.
+// or path or a path of 4 bytes or less. A path of 5 to 7 bytes holds no whole
+// character and is looked up as the empty path (a rule for "" answers it).
 FS_EXPORT std::uint32_t DLE_GetExcludeReason(GENERIC_DLE* dle, wchar_t const* path,
                                              short pathBytes);
 // The same over the DLE's agent-warning rules (0 when it has none).
@@ -74,7 +75,8 @@ FS_EXPORT void FS_GetSpecialAttribs(FSYS_HAND_STRUCT* hand, DBLK* blk);
 // when the cached word is set (then whatever it holds, 0 included);
 // FS_ERR_NOT_SUPPORTED when none was found on the first look (the cache then
 // says "looked, nothing"), for a null handle or block, an unbound handle, a
-// DLE without warning rules, or when the object's path cannot be built
-// (`*flag` is then 0). A caller tells a fresh negative answer from a cached
-// one by this difference.
+// DLE without warning rules (`*flag` is then 0), or when the object's path
+// cannot be built (`*flag` is then left as it was: no answer was found). A
+// caller tells a fresh negative answer from a cached one by this difference.
+// A block of a kind other than 8 or 9 stops before the file system is asked.
 FS_EXPORT FS_STATUS FS_GetAgentWarningFlag(FSYS_HAND_STRUCT* hand, DBLK* blk, unsigned int* flag);

@@ -89,9 +89,11 @@ FS_EXPORT FS_STATUS GEN_CompleteBlk(FSYS_HAND_STRUCT* hand, DBLK* blk, unsigned 
 // (DBLK_SUBTYPE_EA_*) also get the two extended-attribute names, values,
 // counters and the two extra dates; sub-code DBLK_SUBTYPE_NUMERIC copies the
 // numeric record. An extended name longer than empty is kept in its own
-// element. Returns 0, the name set-up's error (FS_ERR_NO_MEMORY,
-// FS_ERR_NAME_TOO_LONG, FS_ERR_BAD_PARAMETER), or FS_ERR_BAD_PARAMETER for a
-// null handle, data or destination. Whatever elements the block got stay
+// element. Every part is built even when a name cannot be set up. Returns 0,
+// the first name set-up error among the OS name, the extended-attribute
+// names and the extended name (FS_ERR_NO_MEMORY, FS_ERR_NAME_TOO_LONG,
+// FS_ERR_BAD_PARAMETER), or FS_ERR_BAD_PARAMETER for a null handle, data or
+// destination. Whatever elements the block got stay
 // with it; release them with GEN_ReleaseBlk.
 FS_EXPORT FS_STATUS GEN_CreateFDB(FSYS_HAND_STRUCT* hand, _GEN_DBLK_DATA* data);
 // The same for a directory block (kind 8); statuses and ownership as above.
@@ -194,7 +196,9 @@ FS_EXPORT FS_STATUS GEN_LoadSetCopyBlob(std::uint32_t length, void const* data, 
 constexpr int GEN_OPEN_SYS_LINE = 76;
 // Installs an FS_FshGeneric adapter on the handle, which then serves every
 // operation through the handle's table. A handle that has an adapter
-// already keeps it (replacing it would lose the module's object). Returns 0,
+// already keeps it: chaining would need the generic object to hold the
+// earlier one, and the adapter classes hold no data; replacing it would lose
+// the module's object. Returns 0,
 // also for a null handle (after printing "FS_FshGen: Bad Parameter at line
 // number %d" with GEN_OPEN_SYS_LINE) and when memory runs out (the handle
 // then goes on through its table alone).

@@ -89,10 +89,93 @@ TEST_F(DleRules, WarningRulesLiveApart) {
   ASSERT_EQ(DLE_AddAgentWarningObj(dle_, L"x", DLE_RULE_PATH, 1), FS_SUCCESS);  // freed with the DLE
 }
 
+// A path of 5 to 7 bytes holds no whole character: it is the empty path,
+// and a rule for "" (which modules can put in the maps themselves) answers it.
+TEST_F(DleRules, APathOfFiveToSevenBytesIsTheEmptyPath) {
+  ASSERT_EQ(DLE_AddSpecObj(dle_, L"keep", DLE_RULE_PATH, 1), FS_SUCCESS);
+  ASSERT_EQ(DLE_AddAgentWarningObj(dle_, L"keep", DLE_RULE_PATH, 1), FS_SUCCESS);
+  (*dle_->exclude_paths)[L""] = 42;
+  dle_->agent_warnings->paths[L""] = 43;
+  wchar_t const path[2] = {L'\0', L'\0'};
+  struct Case {
+    short bytes;
+    std::uint32_t reason;  // exclusion; the warning is this + 1 when set
+  } const cases[] = {{3, 0}, {4, 0}, {5, 42}, {6, 42}, {7, 42}};
+  for (auto const& c : cases) {
+    EXPECT_EQ(DLE_GetExcludeReason(dle_, path, c.bytes), c.reason) << c.bytes << " bytes";
+    EXPECT_EQ(DLE_GetWarningReason(dle_, path, c.bytes), c.reason == 0 ? 0 : c.reason + 1) << c.bytes << " bytes";
+  }
+}
+
+// Modules can reach the pattern lists of a DLE and change them without the
+// rule API. A lookup must answer by the list as it is now, not by the index
+// it built from the list as it was.
+DLE_SPEC_PATTERN* new_entry(std::wstring const& text, std::uint32_t reason) {
+  std::size_t const bytes = (text.size() + 1) * sizeof(wchar_t);
+  auto* entry = static_cast<DLE_SPEC_PATTERN*>(std::calloc(1, sizeof(DLE_SPEC_PATTERN) + bytes));
+  entry->reason = reason;
+  entry->size = static_cast<std::int16_t>(bytes);
+  std::copy(text.c_str(), text.c_str() + text.size() + 1, entry->pattern);
+  return entry;
+}
+
+TEST_F(DleRules, LookupsFollowPatternListsChangedBehindTheRuleApi) {
+  struct Edit {
+    char const* what;
+    void (*change)(GENERIC_DLE* dle);
+    wchar_t const* path;
+    std::uint32_t exclusion;
+    std::uint32_t warning;
+  } const edits[] = {
+      {"an entry linked at the head", [](GENERIC_DLE* d) {
+         DLE_SPEC_PATTERN* e = new_entry(L"*.log", 7);
+         e->next = d->exclude_patterns;
+         d->exclude_patterns = e;
+         d->agent_warnings->patterns.insert(d->agent_warnings->patterns.begin(), {L"*.log", 7});
+       }, L"a.log", 7, 7},
+      {"an entry linked at the tail", [](GENERIC_DLE* d) {
+         DLE_SPEC_PATTERN** tail = &d->exclude_patterns;
+         while (*tail != nullptr) tail = &(*tail)->next;
+         *tail = new_entry(L"*.bak", 8);
+         d->agent_warnings->patterns.push_back({L"*.bak", 8});
+       }, L"a.bak", 8, 8},
+      {"the first entry unlinked", [](GENERIC_DLE* d) {
+         DLE_SPEC_PATTERN* first = d->exclude_patterns;
+         d->exclude_patterns = first->next;
+         std::free(first);
+         d->agent_warnings->patterns.erase(d->agent_warnings->patterns.begin());
+       }, L"a.log", 0, 0},
+      {"a reason changed in place", [](GENERIC_DLE* d) {
+         d->exclude_patterns->reason = 9;
+         d->agent_warnings->patterns.front().second = 9;
+       }, L"a.tmp", 9, 9},
+      {"an entry replaced by another", [](GENERIC_DLE* d) {
+         DLE_SPEC_PATTERN* old = d->exclude_patterns;
+         DLE_SPEC_PATTERN* fresh = new_entry(L"*.tmq", 10);
+         fresh->next = old->next;
+         d->exclude_patterns = fresh;
+         std::free(old);
+         d->agent_warnings->patterns.front() = {L"*.tmq", 10};
+       }, L"a.tmq", 10, 10},
+  };
+  ASSERT_EQ(DLE_AddSpecObj(dle_, L"*.tmp", DLE_RULE_PATTERN, 1), FS_SUCCESS);
+  ASSERT_EQ(DLE_AddAgentWarningObj(dle_, L"*.tmp", DLE_RULE_PATTERN, 1), FS_SUCCESS);
+  for (auto const& e : edits) {
+    Path const p = components(e.path);
+    // A lookup first, so that an index over the list as it was exists.
+    DLE_GetExcludeReason(dle_, p.text.data(), p.bytes());
+    DLE_GetWarningReason(dle_, p.text.data(), p.bytes());
+    e.change(dle_);
+    EXPECT_EQ(DLE_GetExcludeReason(dle_, p.text.data(), p.bytes()), e.exclusion) << e.what;
+    EXPECT_EQ(DLE_GetWarningReason(dle_, p.text.data(), p.bytes()), e.warning) << e.what;
+  }
+}
+
 // A file system whose current directory and object name the test sets.
 std::vector<wchar_t> g_current;  // component form, with the final terminator
 std::wstring g_name;
 int g_name_size_override = -1;
+int g_name_size_calls = 0;
 
 _FUNC_LIST path_table() {
   _FUNC_LIST t{};
@@ -104,6 +187,7 @@ _FUNC_LIST path_table() {
     return FS_SUCCESS;
   };
   t.SizeofOSName = [](FSYS_HAND_STRUCT*, DBLK*, bool) -> FS_STATUS {
+    ++g_name_size_calls;
     if (g_name_size_override >= 0) return static_cast<FS_STATUS>(g_name_size_override);
     return static_cast<FS_STATUS>((g_name.size() + 1) * sizeof(wchar_t));
   };
@@ -150,8 +234,13 @@ TEST_F(DleRules, ObjectsAreLookedUpByTheirPathAndMarkedOnce) {
     DBLK blk{};
     blk.blk_type = c.kind;
     blk.obj_flags = c.flags_before;
+    g_name_size_calls = 0;
     FS_GetSpecialAttribs(hand, &blk);
     EXPECT_EQ(blk.obj_flags, c.flags_after) << std::string(c.name.begin(), c.name.end());
+    // Neither a file nor a directory: the file system is not asked at all.
+    if (c.kind != DBLK_KIND_FDB && c.kind != DBLK_KIND_DDB) {
+      EXPECT_EQ(g_name_size_calls, 0);
+    }
   }
   g_name_size_override = -1;
   hand->dle = nullptr;
@@ -182,6 +271,25 @@ TEST_F(DleRules, TheWarningCacheAnswersTwoWays) {
   EXPECT_EQ(FS_GetAgentWarningFlag(hand, &db, &flag), FS_SUCCESS);
   EXPECT_EQ(flag, 5u);
   EXPECT_EQ(db.agent_warning, DBLK_WARNING_CACHED | 5u);
+  // A path that cannot be built gives no answer: `*flag` keeps what the
+  // caller put there, and another kind stops before the name is asked for.
+  struct Stop {
+    std::uint8_t kind;
+    int name_size;
+    int name_size_calls;
+  } const stops[] = {{DBLK_KIND_FDB, 1020, 1}, {DBLK_KIND_DDB, 1040, 1}, {DBLK_KIND_CFDB, -1, 0}};
+  for (auto const& stop : stops) {
+    DBLK other{};
+    other.blk_type = stop.kind;
+    g_name_size_override = stop.name_size;
+    g_name_size_calls = 0;
+    flag = 77;
+    EXPECT_EQ(FS_GetAgentWarningFlag(hand, &other, &flag), FS_ERR_NOT_SUPPORTED);
+    EXPECT_EQ(flag, 77u) << int(stop.kind);
+    EXPECT_EQ(other.agent_warning, 0u);
+    EXPECT_EQ(g_name_size_calls, stop.name_size_calls) << int(stop.kind);
+  }
+  g_name_size_override = -1;
   hand->dle = nullptr;
   FS_CloseFileSys(hand);
 }

@@ -121,6 +121,33 @@ TEST_F(GenBlocks, BuiltFromRequestsReadBackDuplicatedAndReleased) {
   EXPECT_EQ(GEN_CreateDBLK(hand_, DBLK_KIND_CFDB, &other), 1u);  // not a GEN object kind
 }
 
+// An OS name that cannot be set up fails the creation, but the block still
+// gets every other part the media described, and releasing it gives all back.
+TEST_F(GenBlocks, AFailedNameStillBuildsTheRestOfTheBlock) {
+  std::vector<unsigned char> const too_long(8192, 'n');  // narrow: 32,768 bytes once widened
+  std::vector<unsigned char> ea1 = wide_bytes(L"user.a");
+  std::vector<unsigned char> ea2 = wide_bytes(L"user.b");
+  DBLK blk{};
+  _CREATE_DBLK request;
+  ASSERT_EQ(FS_SetDefaultDBLK(hand_, DBLK_KIND_FDB, DBLK_SUBTYPE_EA_52, &request), FS_SUCCESS);
+  request.dblk = &blk;
+  request.gen.name_char_type = DBLK_NAME_NARROW;
+  request.gen.name = too_long.data();
+  request.gen.name_size = static_cast<std::uint16_t>(too_long.size());
+  request.gen.ea_name1 = ea1.data();
+  request.gen.ea_name1_size = static_cast<std::uint16_t>(ea1.size());
+  request.gen.ea_name2 = ea2.data();
+  request.gen.ea_name2_size = static_cast<std::uint16_t>(ea2.size());
+  request.gen.ext_name = L"long name.dat";
+  EXPECT_EQ(GEN_CreateDBLK(hand_, DBLK_KIND_FDB, &request), FS_ERR_NAME_TOO_LONG);
+  EXPECT_EQ(blk.os_name, nullptr);
+  ASSERT_NE(blk.area.gen.ext.ea.ea_name1, nullptr);
+  ASSERT_NE(blk.area.gen.ext.ea.ea_name2, nullptr);
+  ASSERT_NE(blk.area.gen.ext_name, nullptr);
+  EXPECT_EQ(std::memcmp(blk.area.gen.ext.ea.ea_name2->buffer, ea2.data(), ea2.size()), 0);
+  EXPECT_EQ(GEN_ReleaseBlk(hand_, &blk), FS_SUCCESS);
+}
+
 // The name arrives as a stream encrypted by the host cipher: the block stays
 // incomplete until the last piece, then holds the decrypted name.
 TEST_F(GenBlocks, AnEncryptedNameCompletesFromItsStreamInRandomPieces) {

@@ -106,6 +106,29 @@ TEST(FshLegacy, ForwardsInItsThreeForms) {
   EXPECT_EQ(hand.adapter, nullptr);  // later calls on the handle use its table
 }
 
+// CloseSys leaves the handle without an adapter even when it is called on an
+// object other than the one the handle points at (that one then belongs to
+// whoever called).
+TEST(FshCloseSys, ClearsTheHandlesAdapterWhicheverObjectCloses) {
+  _FUNC_LIST table{};
+  struct Row {
+    char const* what;
+    FS_FshGen* (*make)();
+  } const rows[] = {
+      {"FS_FshGen", []() -> FS_FshGen* { return new FS_FshGen; }},
+      {"FS_FshLegacy", []() -> FS_FshGen* { return new FS_FshLegacy; }},
+  };
+  for (auto const& row : rows) {
+    FSYS_HAND_STRUCT hand{};
+    hand.funcTable = &table;
+    FS_FshGen* const installed = row.make();
+    hand.adapter = installed;
+    EXPECT_EQ(row.make()->CloseSys(&hand), FS_SUCCESS) << row.what;
+    EXPECT_EQ(hand.adapter, nullptr) << row.what;
+    delete installed;
+  }
+}
+
 TEST(FshGeneric, DescribesABlockAsAPropertyTree) {
   _FUNC_LIST table{};
   table.ModAttrib1DBLK = GEN_ModAttrib1DBLK;
