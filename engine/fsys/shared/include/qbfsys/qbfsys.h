@@ -16,6 +16,7 @@
 //   fs_fsh_base.h    FS_FshBase, a handle's adapter interface
 //   fs_fsh_gen.h, fs_fsh_legacy.h, fs_fsh_generic.h  the adapter classes
 //   file_hand.h      _FILE_HAND_STRUCT and object I/O
+//   handle_ops.h     handle operations for jobs (walking, directories, objects)
 //   dblk.h           DBLK, the descriptor block
 //   create_dblk.h    creation requests, FS_SetDefaultDBLK, FS_CreateGenDBLK
 //   dblk_access.h    attribute, OS-info and delimiter accessors
@@ -46,6 +47,7 @@
 #include <qbfsys/fs_fsh_legacy.h>
 #include <qbfsys/fs_fsh_generic.h>
 #include <qbfsys/file_hand.h>
+#include <qbfsys/handle_ops.h>
 #include <qbfsys/dblk.h>
 #include <qbfsys/create_dblk.h>
 #include <qbfsys/dblk_access.h>
