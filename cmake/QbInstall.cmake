@@ -9,7 +9,7 @@
 #   <prefix>/lib/qbfsys/modules/*.so        the shipped file-system modules
 #   <prefix>/bin/qbfs                       finds libraries and modules
 #                                           relative to itself
-#   <prefix>/include/{qbfsys,qbhost,qbclass,fs_property_tree}/
+#   <prefix>/include/{qbfsys,qbhost,qbclass,qbposix,fs_property_tree}/
 #   <prefix>/lib/cmake/qbfsys/              find_package(qbfsys)
 #   <prefix>/lib/pkgconfig/qbfsys.pc
 include(CMakePackageConfigHelpers)
@@ -31,6 +31,7 @@ install(TARGETS ${_qb_modules} LIBRARY DESTINATION ${QB_MODULE_INSTALL_DIR})
 install(DIRECTORY ${CMAKE_SOURCE_DIR}/engine/fsys/shared/include/qbfsys
                   ${CMAKE_SOURCE_DIR}/host/include/qbhost
                   ${CMAKE_SOURCE_DIR}/support/include/qbclass
+                  ${CMAKE_SOURCE_DIR}/modules/posix/include/qbposix
         DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 install(DIRECTORY ${CMAKE_SOURCE_DIR}/property_tree/include/
         DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/fs_property_tree)

@@ -56,14 +56,6 @@ POSIX_OS_INFO posix_os_info_from_stat(struct stat const& st) {
   return info;
 }
 
-bool posix_os_info_read(void const* data, std::size_t size, POSIX_OS_INFO& out) {
-  constexpr std::uint32_t kNanosPerSecond = 1000000000;
-  if (data == nullptr || size != sizeof(POSIX_OS_INFO)) return false;
-  std::memcpy(&out, data, sizeof out);
-  return out.version == POSIX_OS_INFO_VERSION && out.atime_nsec < kNanosPerSecond &&
-         out.mtime_nsec < kNanosPerSecond;
-}
-
 void posix_put_xattrs(std::vector<PosixXattr> const& xattrs, std::string& out) {
   out.clear();
   for (PosixXattr const& x : xattrs) {

@@ -33,8 +33,9 @@
 // object kind 9. Attribute word 1 holds the permission and type bits of
 // st_mode (they fit below the bits the layer maps); attribute word 2 holds
 // POSIX_ATTR2_* flags. The modification and access dates are set in UTC,
-// to the 100-nanosecond tick. `os_info` points at a POSIX_OS_INFO, the full
-// stat record with nanosecond times, which the restore uses for every
+// to the 100-nanosecond tick. `os_info` points at a POSIX_OS_INFO
+// (qbposix/posix_os_info.h, installed), the full stat record with nanosecond
+// times, which the restore uses for every
 // timestamp and permission it sets.
 #pragma once
 #include <sys/stat.h>
@@ -45,6 +46,7 @@
 #include <vector>
 
 #include <qbfsys/stream_ids.h>
+#include <qbposix/posix_os_info.h>
 
 namespace qbposix {
 
@@ -54,48 +56,8 @@ constexpr std::uint32_t POSIX_STRM_HARDLINK = STRM_NTFS_LINK;
 constexpr std::uint32_t POSIX_STRM_SPARSE_MAP = STRM_NT_SPARSE;
 constexpr std::uint32_t POSIX_STRM_DATA = STRM_GENERIC_DATA;
 
-// OS id of the blocks: one of the ids whose path delimiter is '/'.
-constexpr std::uint8_t POSIX_OS_ID = 20;
-// Version of the POSIX_OS_INFO layout (the block's os_ver).
-constexpr std::uint8_t POSIX_OS_INFO_VERSION = 1;
-
-// Attribute word 2 flags.
-constexpr std::uint32_t POSIX_ATTR2_SPARSE =
-    0x1;  // fewer blocks than its size needs: it may have holes
-constexpr std::uint32_t POSIX_ATTR2_LINKED = 0x2;  // more than one name (st_nlink > 1)
-constexpr std::uint32_t POSIX_ATTR2_MOUNT_POINT =
-    0x4;  // a directory on which another file system is mounted
-
-// The stat record of an object, as carried in its block (in the order of
-// the supported x86-64 hosts, little-endian, with no padding).
-struct POSIX_OS_INFO {
-  std::uint32_t version;  // POSIX_OS_INFO_VERSION
-  std::uint32_t mode;     // st_mode: type, setuid, setgid, sticky, permissions
-  std::uint32_t uid;
-  std::uint32_t gid;
-  std::uint64_t nlink;
-  std::uint64_t dev;  // device of the file system holding it
-  std::uint64_t ino;
-  std::uint64_t rdev;    // device number of a device node
-  std::uint64_t size;    // st_size (a symbolic link: its target's length)
-  std::uint64_t blocks;  // 512-byte blocks allocated
-  std::int64_t atime_sec;
-  std::int64_t mtime_sec;
-  std::int64_t ctime_sec;
-  std::uint32_t atime_nsec;
-  std::uint32_t mtime_nsec;
-  std::uint32_t ctime_nsec;
-  std::uint32_t reserved;
-};
-static_assert(sizeof(POSIX_OS_INFO) == 104, "the OS info record is part of the backup data");
-static_assert(offsetof(POSIX_OS_INFO, atime_sec) == 64, "seconds follow the sizes");
-static_assert(offsetof(POSIX_OS_INFO, atime_nsec) == 88, "nanoseconds follow the seconds");
-
 // The record of a stat result.
 POSIX_OS_INFO posix_os_info_from_stat(struct stat const& st);
-// True when `size` bytes at `data` are a record this module can restore
-// from; `out` then holds a copy.
-bool posix_os_info_read(void const* data, std::size_t size, POSIX_OS_INFO& out);
 
 // One extended attribute. Stream layout, repeated: u32 name length, u32
 // value length, the name's bytes, the value's bytes.

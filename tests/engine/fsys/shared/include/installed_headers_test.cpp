@@ -3,6 +3,7 @@
 // layout checks each header keeps beside its records), and a few entry
 // points link and answer.
 #include <qbfsys/qbfsys.h>
+#include <qbposix/posix_os_info.h>
 
 #include <cstdio>
 #include <cwchar>
@@ -27,5 +28,15 @@ int main() {
   blk.blk_type = DBLK_KIND_CFDB;
   blk.area.cfdb.attrib2 = 5;
   check(FS_GetAttrib2FromDBLK(nullptr, &blk) == 5, "corrupt-file word 2");
+  // A record as a reader of the posix module's blocks meets it: refused when
+  // cut short or of an unknown version.
+  qbposix::POSIX_OS_INFO info{};
+  info.version = qbposix::POSIX_OS_INFO_VERSION;
+  info.mode = 0100644;
+  qbposix::POSIX_OS_INFO read{};
+  check(qbposix::posix_os_info_read(&info, sizeof info, read) && read.mode == 0100644, "posix record");
+  check(!qbposix::posix_os_info_read(&info, sizeof info - 1, read), "short posix record");
+  info.version = 2;
+  check(!qbposix::posix_os_info_read(&info, sizeof info, read), "unknown posix record version");
   return failures == 0 ? 0 : 1;
 }
