@@ -1,4 +1,4 @@
-// Status codes of the layer in words, for what qbfs prints.
+// Status codes of the layer in words (FS_StatusText), for what qbfs prints.
 #pragma once
 #include <string>
 

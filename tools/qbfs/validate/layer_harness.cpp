@@ -7,6 +7,7 @@
 #include <qbfsys/file_hand.h>
 #include <qbfsys/fs_fsh_base.h>
 #include <qbfsys/fs_init.h>
+#include <qbfsys/fs_status.h>
 #include <qbfsys/registry.h>
 #include <qbhost/strings.h>
 
@@ -14,27 +15,6 @@
 
 namespace qbfs::validate {
 namespace {
-
-struct NamedStatus {
-  FS_STATUS status;
-  char const* name;
-};
-#define QBV_STATUS(s) {s, #s}
-constexpr NamedStatus kKnownStatuses[] = {
-    QBV_STATUS(FS_SUCCESS),           QBV_STATUS(FS_STATUS_NONE),
-    QBV_STATUS(FS_STATUS_NO_MORE_DLE), QBV_STATUS(FS_BLK_COMPLETE),
-    QBV_STATUS(FS_STATUS_OBJ_DEFERRED), QBV_STATUS(FS_ERR_NO_MEMORY),
-    QBV_STATUS(FS_ERR_NOT_SUPPORTED), QBV_STATUS(FS_ERR_OBJ_NO_DATA),
-    QBV_STATUS(FS_ERR_RESOLVE_FAILED), QBV_STATUS(FS_ERR_NAME_TOO_LONG),
-    QBV_STATUS(FS_ERR_DLE_UNAVAILABLE), QBV_STATUS(FS_ERR_INIT_FAILED),
-    QBV_STATUS(FS_ERR_PARTIAL_INIT),  QBV_STATUS(FS_ERR_UNIMPLEMENTED),
-    QBV_STATUS(FS_ERR_BAD_PARAMETER), QBV_STATUS(FS_STATUS_EXT_ERROR),
-    QBV_STATUS(FS_ERR_NOT_ATTACHED),  QBV_STATUS(FS_ERR_INVALID_FSYS_ID),
-    QBV_STATUS(FS_ERR_INVALID_HANDLE), QBV_STATUS(FS_ERR_ATTACH_REFUSED),
-    QBV_STATUS(FS_ERR_OBJ_ACCESS_DENIED), QBV_STATUS(FS_ERR_OBJ_INCOMPLETE),
-    QBV_STATUS(FS_ERR_OBJ_OVERRUN),
-};
-#undef QBV_STATUS
 
 void collect(_Q_HEADER const& list, std::vector<unsigned> const& indices,
              std::vector<GENERIC_DLE*>& out) {
@@ -58,21 +38,15 @@ std::string narrow(wchar_t const* text) { return text ? wcstring(text).to_utf8()
 
 std::string status_text(FS_STATUS status) {
   char text[64];
-  for (NamedStatus const& known : kKnownStatuses) {
-    if (known.status == status) {
-      std::snprintf(text, sizeof text, "0x%08X (%s)", status, known.name);
-      return text;
-    }
+  if (char const* name = FS_StatusName(status)) {
+    std::snprintf(text, sizeof text, "0x%08X (%s)", status, name);
+    return text;
   }
   std::snprintf(text, sizeof text, "0x%08X", status);
   return text;
 }
 
-bool known_status(FS_STATUS status) {
-  for (NamedStatus const& known : kKnownStatuses)
-    if (known.status == status) return true;
-  return false;
-}
+bool known_status(FS_STATUS status) { return FS_StatusName(status) != nullptr; }
 
 std::string element_name(GENERIC_DLE const* dle) {
   return dle != nullptr && dle->device_name != nullptr ? "'" + narrow(dle->device_name) + "'"

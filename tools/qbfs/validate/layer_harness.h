@@ -63,7 +63,7 @@ std::wstring wide(std::string const& text);
 std::string narrow(wchar_t const* text);
 // "0x%08X (NAME)" for the layer's statuses, "0x%08X" for others.
 std::string status_text(FS_STATUS status);
-// True for a status the layer defines (fs_status.h, handles.h, file_hand.h).
+// True for a status the layer defines (a row of FS_STATUS_LIST, qbfsys/fs_status.h).
 bool known_status(FS_STATUS status);
 // The element's device name for messages.
 std::string element_name(GENERIC_DLE const* dle);

@@ -21,9 +21,8 @@
 #include <qbfsys/fs_status.h>
 #include <qbfsys/fs_types.h>
 
-constexpr FS_STATUS FS_ERR_OBJ_ACCESS_DENIED = 0xE0008485;  // object flagged not to be opened
-constexpr FS_STATUS FS_ERR_OBJ_INCOMPLETE = 0xE000FE2D;     // the module took nothing from a data write
-constexpr FS_STATUS FS_ERR_OBJ_OVERRUN = 0xE000FE30;        // the module returned or took more than offered
+// The statuses of object I/O (FS_ERR_OBJ_ACCESS_DENIED, FS_ERR_OBJ_INCOMPLETE,
+// FS_ERR_OBJ_OVERRUN) are rows of FS_STATUS_LIST, qbfsys/fs_status.h.
 
 // Staging buffers grow in whole units of this many bytes.
 constexpr std::uint32_t FS_STAGE_UNIT = 4096;

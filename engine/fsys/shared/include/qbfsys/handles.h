@@ -17,10 +17,9 @@
 #include <qbhost/cipher.h>
 #include <qbhost/queue.h>
 
-constexpr FS_STATUS FS_ERR_NOT_ATTACHED = 0xE000FE03;
-constexpr FS_STATUS FS_ERR_INVALID_FSYS_ID = 0xE000FE18;
-constexpr FS_STATUS FS_ERR_INVALID_HANDLE = 0xE000FE19;
-constexpr FS_STATUS FS_ERR_ATTACH_REFUSED = 0xE000FE1A;
+// The statuses of handles (FS_ERR_NOT_ATTACHED, FS_ERR_INVALID_FSYS_ID,
+// FS_ERR_INVALID_HANDLE, FS_ERR_ATTACH_REFUSED) are rows of FS_STATUS_LIST,
+// qbfsys/fs_status.h.
 
 // Attach flag bits.
 constexpr std::uint32_t FS_ATTACH_ALLOW_REMOTE = 0x04;  // keep a remote type-5 machine

@@ -50,6 +50,17 @@ TEST(Exports, EntryPointsNoOtherTestCallsAreExported) {
   EXPECT_TRUE(found);
 }
 
+// A host names a status in its messages through the layer.
+TEST(Exports, TheStatusWordsAreExported) {
+  auto symbols = read_symbols("--defined-only -C");
+  ASSERT_FALSE(symbols.empty());
+  for (char const* entry : {"FS_StatusText(unsigned int)", "FS_StatusName(unsigned int)"}) {
+    bool found = false;
+    for (auto const& s : symbols) found = found || (s.name == entry && s.type == 'T');
+    EXPECT_TRUE(found) << entry;
+  }
+}
+
 TEST(Exports, NothingElseOfOursIsExported) {
   // Our own interface: the layer's families, the class library, the property
   // tree, and the records shared with modules (with their typeinfo/vtables).

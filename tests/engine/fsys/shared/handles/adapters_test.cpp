@@ -4,6 +4,9 @@
 // layer dispatches.
 #include <dlfcn.h>
 
+#include <cstdint>
+#include <cstring>
+
 #include <gtest/gtest.h>
 
 #include "capture.h"
@@ -21,6 +24,41 @@ using qbtest::HandleTest;
 std::wstring gen_line(char const* what, int operation) {
   return std::wstring(L"FS_FshGen: ") + (what[0] == 'U' ? L"Unimplemented function called" : L"Bad Parameter") +
          L" at line number " + std::to_wstring(FS_FSHGEN_LINE_BASE + operation);
+}
+
+// The place (counting from 1) of a virtual operation in the virtual table. In
+// the C++ ABI the layer and its modules are built with (GCC, x86-64), a
+// pointer to a virtual member function holds 1 plus the byte offset of the
+// operation's entry.
+template <typename Member>
+std::size_t virtual_place(Member member) {
+  std::uintptr_t words[2];
+  static_assert(sizeof member == sizeof words, "a pointer to member function is two words");
+  std::memcpy(words, &member, sizeof words);
+  return (words[0] - 1) / sizeof(void*) + 1;
+}
+
+// Modules built long ago call the adapter's operations by their place in the
+// virtual table. A few places, written out here, so that the rows the
+// classes are expanded from cannot move them unnoticed.
+TEST(FshBase, OperationsKeepTheirPlacesInTheVirtualTable) {
+  struct Place {
+    std::size_t got;
+    std::size_t expected;
+    char const* operation;
+  } const places[] = {
+      {virtual_place(&FS_FshBase::OpenSys), 1, "OpenSys"},
+      {virtual_place(&FS_FshBase::AttachToDLE), 2, "AttachToDLE"},
+      {virtual_place(&FS_FshBase::CloseSys), 4, "CloseSys"},
+      {virtual_place(&FS_FshBase::InitMakeData), 5, "InitMakeData"},
+      {virtual_place(&FS_FshBase::MakePushDBLK), 26, "MakePushDBLK"},
+      {virtual_place(&FS_FshBase::PopMinDDB), 27, "PopMinDDB"},
+      {virtual_place(&FS_FshBase::ChangeIntoDDB), 49, "ChangeIntoDDB"},
+      {virtual_place(&FS_FshBase::DirectImageInterface), 87, "DirectImageInterface"},
+      {virtual_place(&FS_FshGen::MoveGranularData), 94, "MoveGranularData"},
+      {virtual_place(&FS_FshLegacy::ReadObj), 18, "ReadObj"},
+  };
+  for (auto const& p : places) EXPECT_EQ(p.got, p.expected) << p.operation;
 }
 
 TEST(FshGen, FixedAnswersGuardsAndGenericBlocks) {
