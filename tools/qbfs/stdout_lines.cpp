@@ -3,7 +3,7 @@
 #include <cwctype>
 #include <string>
 
-#include <qbhost/strings.h>
+#include "archive/archive_terminal_text.h"
 
 namespace qbfs {
 
@@ -24,10 +24,17 @@ std::wstring drop_address(wchar_t const* line) {
 }  // namespace
 
 void StdoutLines::print(void* filter, int, wchar_t const* line) {
-  std::string text =
-      filter == &kDropAddresses ? wcstring(drop_address(line)).to_utf8() : wcstring(line).to_utf8();
-  std::fputs(text.c_str(), stdout);
-  if (text.empty() || text.back() != '\n') std::fputc('\n', stdout);
+  if (line == nullptr) return;
+  std::wstring const text = filter == &kDropAddresses ? drop_address(line) : std::wstring(line);
+  // Each line of the text is printed escaped for the terminal (names of
+  // mount points and objects are among it); the line breaks stay.
+  std::wstring_view rest = text;
+  do {
+    std::size_t const end = rest.find(L'\n');
+    std::fputs(archive::terminal_text(rest.substr(0, end)).c_str(), stdout);
+    std::fputc('\n', stdout);
+    rest.remove_prefix(end == std::wstring_view::npos ? rest.size() : end + 1);
+  } while (!rest.empty());
 }
 
 }  // namespace qbfs

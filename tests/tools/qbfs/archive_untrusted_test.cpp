@@ -22,6 +22,7 @@
 
 #include "archive_digest.h"
 #include "archive_format.h"
+#include "archive_terminal_text.h"
 #include "archive_writer.h"
 #include "posix_streams.h"
 #include "tool_run.h"
@@ -93,6 +94,131 @@ bool write_archive(std::string const& file, std::vector<Forged> const& objects) 
 std::string read_file(std::string const& path) {
   std::ifstream in(path, std::ios::binary);
   return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+}
+
+// ---- the escaping ----------------------------------------------------------------
+
+struct Escape {
+  std::string in, shown;
+};
+
+// Each class of character of the documented form, as bytes and as wide text.
+TEST(TerminalText, EscapesWhatATerminalActsOnAndNothingElse) {
+  std::vector<Escape> const cases = {
+      {"plain/name.txt", "plain/name.txt"},
+      {"caf\xC3\xA9 \xE6\x97\xA5", "caf\xC3\xA9 \xE6\x97\xA5"},  // letters of any script stay
+      {"a\x1B]0;t\x07z", "a\\x1B]0;t\\x07z"},
+      {"line\nfeed\ttab\x7F", "line\\x0Afeed\\x09tab\\x7F"},
+      {"csi\xC2\x9B" "31m", "csi\\u009B31m"},
+      {"\xC2\x80\xC2\x85\xC2\x9F", "\\u0080\\u0085\\u009F"},
+      {"raw\x9B" "31m", "raw\\x9B31m"},                    // a byte that is not UTF-8
+      {"\xED\xB2\x9B", "\\x9B"},                           // a module's stand-in for that byte
+      {"\xED\xA0\x80", "\\uD800"},                         // another surrogate
+      {"\xE2\x80\xAE" "exe.txt", "\\u202Eexe.txt"},
+      {"\xE2\x80\xAA\xE2\x80\xAB\xE2\x80\xAC\xE2\x80\xAD", "\\u202A\\u202B\\u202C\\u202D"},
+      {"\xE2\x81\xA6\xE2\x81\xA7\xE2\x81\xA8\xE2\x81\xA9", "\\u2066\\u2067\\u2068\\u2069"},
+      {"\xE2\x80\x8E\xE2\x80\x8F\xD8\x9C", "\\u200E\\u200F\\u061C"},
+      {"\xE2\x80\xA8\xE2\x80\xA9", "\\u2028\\u2029"},
+      {"\xC0\xAF\xE2\x80", "\\xC0\\xAF\\xE2\\x80"},        // an overlong form, a cut one
+      {"back\\slash", "back\\slash"},
+  };
+  for (Escape const& c : cases) {
+    std::string const shown = terminal_text(c.in);
+    EXPECT_EQ(shown, c.shown) << c.in;
+    EXPECT_EQ(terminal_text(shown), shown) << "escaping twice changes nothing: " << c.in;
+  }
+  std::wstring const wide = {L'a', 0x1B, 0x9B, 0xDC9B, 0x202E, 0x110000, L'z'};
+  EXPECT_EQ(terminal_text(wide), "a\\x1B\\u009B\\x9B\\u202E\\U00110000z");
+}
+
+// ---- names that a terminal would act on --------------------------------------------------
+
+// The bytes of `text` a terminal would act on: controls (but the line
+// breaks), DEL, and every byte of a non-ASCII character; the names below
+// hold no other non-ASCII character, so every such byte is a leak.
+std::string leaks(std::string const& text) {
+  std::string found;
+  char hex[8];
+  for (unsigned char c : text)
+    if ((c < 0x20 && c != '\n') || c >= 0x7F) {
+      std::snprintf(hex, sizeof hex, " %02X", c);
+      found += hex;
+    }
+  return found;
+}
+
+struct HostileName {
+  std::string name;   // as stored in the archive
+  std::string shown;  // as every command shows it
+  std::string on_disk;  // as the posix module names the file; "" when it is `name`
+};
+
+// Escape sequences, C1 controls as characters and as raw bytes (the posix
+// module's stand-ins for them), and bidirectional controls.
+std::vector<HostileName> const kHostileNames = {
+    {"title\x1B]0;owned\x07", "title\\x1B]0;owned\\x07", ""},
+    {"red\x1B[31m", "red\\x1B[31m", ""},
+    {"csi\xC2\x9B" "31m", "csi\\u009B31m", ""},
+    {"osc\xC2\x9D" "0;owned\xC2\x9C", "osc\\u009D0;owned\\u009C", ""},
+    {"raw\xED\xB2\x9B" "31m", "raw\\x9B31m", "raw\x9B" "31m"},
+    {"rlo\xE2\x80\xAE" "txt.exe", "rlo\\u202Etxt.exe", ""},
+    {"iso\xE2\x81\xA6x\xE2\x81\xA9", "iso\\u2066x\\u2069", ""},
+    {"rlm\xE2\x80\x8Fx", "rlm\\u200Fx", ""},
+};
+
+struct NameRun {
+  char const* label;
+  std::string args;           // "@" stands for the archive, "%" for the scratch directory
+  std::string before, after;  // around "src/NAME" in what it prints for each hostile name
+};
+
+TEST(HostileNames, NoCommandPrintsWhatATerminalWouldActOn) {
+  Scratch s;
+  std::vector<Forged> objects = {{"src", S_IFDIR | 0755, ""}};
+  for (HostileName const& n : kHostileNames) objects.push_back({"src/" + n.name, S_IFREG | 0644, "x"});
+  // A path that is not UTF-8: its record is refused and named.
+  objects.push_back({"src/bad\x9B" "31m\x1B[2J", S_IFREG | 0644, "x"});
+  std::string const archive = s.dir + "/names.qba";
+  ASSERT_TRUE(write_archive(archive, objects));
+  // Restores into `blocked` fail on every hostile name: a directory that is
+  // not empty holds it, so the module's message (quoting the name) is printed.
+  for (char const* blocked : {"blocked", "blocked-v"}) {
+    ASSERT_FALSE(s.fresh(blocked).empty());
+    ASSERT_FALSE(s.fresh(std::string(blocked) + "/src").empty());
+    for (HostileName const& n : kHostileNames) {
+      std::string const dir = s.dir + "/" + blocked + "/src/" + (n.on_disk.empty() ? n.name : n.on_disk);
+      ASSERT_EQ(mkdir(dir.c_str(), 0755), 0) << n.shown;
+      std::ofstream(dir + "/keep") << "keep\n";
+    }
+  }
+  ASSERT_FALSE(s.fresh("empty").empty());
+  ASSERT_FALSE(s.fresh("fresh").empty());
+  std::string const kInTheWay = ": object in the way could not be removed (Directory not empty)";
+  std::vector<NameRun> const runs = {
+      {"ls", "ls @", "\n", "\n"},
+      {"ls -l", "ls -l @", " ", "\n"},
+      {"verify -v --against", "verify -v @ --against %/empty", "qbfs verify: differs: ", ": not found\n"},
+      {"restore -v", "restore -v @ -C %/fresh", "qbfs restore: restored ", "\n"},
+      // The module's last error, which the restore prints for the object.
+      {"restore failing", "restore @ -C %/blocked", ": cannot be restored: /", kInTheWay + "\n"},
+      // The module's message as the layer prints it with -v.
+      {"restore -v failing", "restore -v @ -C %/blocked-v", "posix: /", kInTheWay + "\n"},
+  };
+  for (NameRun const& r : runs) {
+    SCOPED_TRACE(r.label);
+    std::string args = r.args;
+    args.replace(args.find('@'), 1, archive);
+    if (args.find('%') != std::string::npos) args.replace(args.find('%'), 1, s.dir);
+    ToolRun const run = qbfs(args);
+    EXPECT_TRUE(clean(run));
+    EXPECT_EQ(run.status, 1) << "the refused record makes the archive damaged";
+    EXPECT_EQ(leaks(run.out), "") << run.out;
+    EXPECT_EQ(leaks(run.err), "") << run.err;
+    std::string const said = run.out + run.err;
+    EXPECT_TRUE(has(run.err, "\"src/bad\\x9B31m\\x1B[2J\": the path is not well-formed UTF-8")) << run.err;
+    for (HostileName const& n : kHostileNames)
+      EXPECT_TRUE(has("\n" + said, r.before + "src/" + n.shown + r.after)) << n.shown << "\n" << said;
+  }
 }
 
 // ---- a forged end-of-data record ----------------------------------------------------------

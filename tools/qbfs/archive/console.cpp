@@ -4,8 +4,9 @@
 
 #include <cwchar>
 
-#include <qbhost/strings.h>
 #include <qbhost/zprintf.h>
+
+#include "archive_terminal_text.h"
 
 namespace qbfs::archive {
 namespace {
@@ -38,13 +39,19 @@ void Console::hook(void* context, int level, wchar_t const* line) {
   ++self->layer_messages_;
   if (!self->show_layer_) return;
   self->clear_line();
-  std::string const text = wcstring(line).to_utf8().c_str();
-  std::fprintf(stderr, "%s%s", text.c_str(), !text.empty() && text.back() == '\n' ? "" : "\n");
+  // Each line of the text escaped for the terminal (modules quote names as
+  // they are); the line breaks stay.
+  std::wstring_view rest = line != nullptr ? line : L"";
+  do {
+    std::size_t const end = rest.find(L'\n');
+    std::fprintf(stderr, "%s\n", terminal_text(rest.substr(0, end)).c_str());
+    rest.remove_prefix(end == std::wstring_view::npos ? rest.size() : end + 1);
+  } while (!rest.empty());
 }
 
 void Console::message(std::string const& text) {
   clear_line();
-  std::fprintf(stderr, "%s: %s\n", command_.c_str(), text.c_str());
+  std::fprintf(stderr, "%s: %s\n", command_.c_str(), terminal_text(text).c_str());
 }
 
 double Console::elapsed() const {
@@ -79,7 +86,7 @@ void Console::summary(std::uint64_t objects, std::uint64_t bytes, std::string co
   std::fprintf(out, "%s: %s objects, %s in %.1f s (%s/s)%s%s\n", command_.c_str(),
                grouped(objects).c_str(), human_bytes(static_cast<double>(bytes)).c_str(), seconds,
                human_bytes(seconds > 0 ? static_cast<double>(bytes) / seconds : 0).c_str(),
-               rest.empty() ? "" : "; ", rest.c_str());
+               rest.empty() ? "" : "; ", terminal_text(rest).c_str());
   std::fflush(out);
 }
 

@@ -22,7 +22,8 @@ class Console {
   Console(Console const&) = delete;
   Console& operator=(Console const&) = delete;
 
-  // "<command>: <text>" on standard error.
+  // "<command>: <text>" on standard error, `text` escaped for the
+  // terminal (terminal_text); the layer's messages are escaped the same way.
   void message(std::string const& text);
   // Redraws the progress line at most a few times a second.
   void progress(std::uint64_t objects, std::uint64_t bytes, bool force = false);
