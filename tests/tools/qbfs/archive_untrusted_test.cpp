@@ -221,6 +221,71 @@ TEST(HostileNames, NoCommandPrintsWhatATerminalWouldActOn) {
   }
 }
 
+// ---- set-uid files and device nodes restored as root ------------------------------------
+
+struct PermissionCase {
+  char const* label;
+  std::string options;
+  std::uint32_t setuid_file, setgid_dir, setgid_file, device;  // modes restored (0: not made)
+  int status;
+};
+
+// The restore runs under umask 027.
+TEST(RestoreAsRoot, OptionsNarrowWhatAnArchiveMayMake) {
+  if (geteuid() != 0) GTEST_SKIP() << "device nodes and set-uid files of any owner need root";
+  Scratch s;
+  dev_t const null_device = makedev(1, 3), loop_device = makedev(7, 0);
+  std::string const archive = s.dir + "/perm.qba";
+  ASSERT_TRUE(write_archive(archive, {{"src", S_IFDIR | 0755, ""},
+                                      {"src/suid", S_IFREG | 04755, "#!/bin/sh\n"},
+                                      {"src/shared", S_IFDIR | 02777, ""},
+                                      {"src/shared/sgid", S_IFREG | 02755, "x"},
+                                      {"src/null", S_IFCHR | 0666, "", null_device},
+                                      {"src/disk", S_IFBLK | 0666, "", loop_device},
+                                      {"src/fifo", S_IFIFO | 0666, ""}}));
+  std::vector<PermissionCase> const cases = {
+      {"as archived", "", 04755, 02777, 02755, 0666, 0},
+      {"no set-id", "--no-setid", 0755, 0777, 0755, 0666, 0},
+      {"umask too", "--no-same-permissions", 0750, 0750, 0750, 0640, 0},
+      {"no devices", "--no-devices", 04755, 02777, 02755, 0, 1},
+      {"both", "--no-setid --no-devices", 0755, 0777, 0755, 0, 1},
+  };
+  int round = 0;
+  for (PermissionCase const& c : cases) {
+    SCOPED_TRACE(c.label);
+    std::string const out = s.fresh("out" + std::to_string(++round));
+    ToolRun const run = shell("umask 027; " + qbtest::qbfs_command() + "restore " + c.options + " " + archive + " -C " + out);
+    EXPECT_TRUE(clean(run));
+    EXPECT_EQ(run.status, c.status) << run.err;
+    struct stat st {};
+    auto mode_of = [&](char const* rel) -> std::uint32_t {
+      return lstat((out + "/" + rel).c_str(), &st) == 0 ? st.st_mode & 07777 : 0;
+    };
+    EXPECT_EQ(mode_of("src/suid"), c.setuid_file);
+    EXPECT_EQ(mode_of("src/shared"), c.setgid_dir);
+    EXPECT_EQ(mode_of("src/shared/sgid"), c.setgid_file);
+    EXPECT_EQ(read_file(out + "/src/shared/sgid"), "x");
+    EXPECT_EQ(mode_of("src/null"), c.device);
+    EXPECT_EQ(mode_of("src/disk"), c.device);
+    if (c.device != 0) {
+      EXPECT_TRUE(lstat((out + "/src/null").c_str(), &st) == 0 && S_ISCHR(st.st_mode) && st.st_rdev == null_device);
+      EXPECT_TRUE(lstat((out + "/src/disk").c_str(), &st) == 0 && S_ISBLK(st.st_mode) && st.st_rdev == loop_device);
+    } else {
+      EXPECT_TRUE(has(run.err, "qbfs restore: src/null: a character device node; refused (--no-devices)\n")) << run.err;
+      EXPECT_TRUE(has(run.err, "qbfs restore: src/disk: a block device node; refused (--no-devices)\n")) << run.err;
+      EXPECT_TRUE(has(run.out, "0 damaged, 0 failed, 2 refused")) << run.out;
+    }
+    EXPECT_TRUE(lstat((out + "/src/fifo").c_str(), &st) == 0 && S_ISFIFO(st.st_mode)) << "a FIFO is no device";
+  }
+}
+
+TEST(RestoreAsRoot, HelpNamesTheOptions) {
+  ToolRun const help = qbfs("restore --help");
+  EXPECT_EQ(help.status, 0);
+  for (char const* option : {"--no-setid", "--no-same-permissions", "--no-devices"})
+    EXPECT_TRUE(has(help.out, "  " + std::string(option))) << option;
+}
+
 // ---- a forged end-of-data record ----------------------------------------------------------
 
 // `bytes` with the END record's data-byte count replaced by `count`, its
