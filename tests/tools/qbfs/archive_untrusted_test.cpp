@@ -170,6 +170,7 @@ struct NameRun {
   char const* label;
   std::string args;           // "@" stands for the archive, "%" for the scratch directory
   std::string before, after;  // around "src/NAME" in what it prints for each hostile name
+  std::string not_before;     // before "src/NAME\n": what it must not print ("" for nothing)
 };
 
 TEST(HostileNames, NoCommandPrintsWhatATerminalWouldActOn) {
@@ -195,14 +196,15 @@ TEST(HostileNames, NoCommandPrintsWhatATerminalWouldActOn) {
   ASSERT_FALSE(s.fresh("fresh").empty());
   std::string const kInTheWay = ": object in the way could not be removed (Directory not empty)";
   std::vector<NameRun> const runs = {
-      {"ls", "ls @", "\n", "\n"},
-      {"ls -l", "ls -l @", " ", "\n"},
-      {"verify -v --against", "verify -v @ --against %/empty", "qbfs verify: differs: ", ": not found\n"},
-      {"restore -v", "restore -v @ -C %/fresh", "qbfs restore: restored ", "\n"},
+      {"ls", "ls @", "\n", "\n", ""},
+      {"ls -l", "ls -l @", " ", "\n", ""},
+      {"verify -v --against", "verify -v @ --against %/empty", "qbfs verify: differs: ", ": not found\n", ""},
+      {"restore -v", "restore -v @ -C %/fresh", "qbfs restore: restored ", "\n", ""},
       // The module's last error, which the restore prints for the object.
-      {"restore failing", "restore @ -C %/blocked", ": cannot be restored: /", kInTheWay + "\n"},
-      // The module's message as the layer prints it with -v.
-      {"restore -v failing", "restore -v @ -C %/blocked-v", "posix: /", kInTheWay + "\n"},
+      {"restore failing", "restore @ -C %/blocked", ": cannot be restored: /", kInTheWay + "\n", ""},
+      // The module's message as the layer prints it with -v; an object
+      // that could not be made is not called restored.
+      {"restore -v failing", "restore -v @ -C %/blocked-v", "posix: /", kInTheWay + "\n", "qbfs restore: restored "},
   };
   for (NameRun const& r : runs) {
     SCOPED_TRACE(r.label);
@@ -216,8 +218,10 @@ TEST(HostileNames, NoCommandPrintsWhatATerminalWouldActOn) {
     EXPECT_EQ(leaks(run.err), "") << run.err;
     std::string const said = run.out + run.err;
     EXPECT_TRUE(has(run.err, "\"src/bad\\x9B31m\\x1B[2J\": the path is not well-formed UTF-8")) << run.err;
-    for (HostileName const& n : kHostileNames)
+    for (HostileName const& n : kHostileNames) {
       EXPECT_TRUE(has("\n" + said, r.before + "src/" + n.shown + r.after)) << n.shown << "\n" << said;
+      EXPECT_TRUE(r.not_before.empty() || !has(said, r.not_before + "src/" + n.shown + "\n")) << n.shown;
+    }
   }
 }
 

@@ -124,7 +124,7 @@ class RestoreJob {
 
   void begin(ObjectEntry const& entry) {
     obj_ = nullptr;
-    made_ = false;
+    made_ = opened_ = false;
     error_.clear();
     if (!wanted(entry.components)) return;
     info_ = entry.os_info;
@@ -143,7 +143,8 @@ class RestoreJob {
     made_ = status == FS_SUCCESS;
     if (status == FS_SUCCESS) status = t_.CreateObj(hand_, &blk_, nullptr, RESTORE_OVERWRITE);
     if (status == FS_SUCCESS) status = FS_OpenObj(hand_, &obj_, &blk_, FS_WRITE);
-    if (status != FS_SUCCESS) {
+    opened_ = status == FS_SUCCESS;
+    if (!opened_) {
       obj_ = nullptr;
       fail(entry.components, "cannot be restored: " + failure_text(hand_, status));
     }
@@ -186,7 +187,7 @@ class RestoreJob {
                        (!made_ ? "" : directory ? "; the directory is kept" : "; not restored"));
     } else if (!error_.empty()) {
       fail(entry.components, error_);
-    } else if (made_) {
+    } else if (opened_) {  // an object that could not be made was reported at its start
       ++restored_;
       if (verbose_) console_.message("restored " + path());
     }
@@ -206,6 +207,7 @@ class RestoreJob {
   HandleCursor cursor_{hand_};
   DBLK blk_{};
   bool made_ = false;
+  bool opened_ = false;  // the object was made and opened for its streams
   _FILE_HAND_STRUCT* obj_ = nullptr;
   std::vector<unsigned char> info_;
   std::string error_;
