@@ -225,6 +225,31 @@ TEST(HostileNames, NoCommandPrintsWhatATerminalWouldActOn) {
   }
 }
 
+struct EchoCase {
+  std::string args;   // as the shell is given them (raw bytes inside single quotes)
+  std::string shown;  // a part of what the tool prints
+};
+
+// What a person typed or a file holds comes back escaped too: arguments
+// named in errors, names matched, the property tree loader's words.
+TEST(HostileNames, EchoedArgumentsAreEscaped) {
+  std::vector<EchoCase> const cases = {
+      {"match '*' 'a\x1B]0;x\x07" "b'", "  a\\x1B]0;x\\x07b\n"},
+      {"ls '/none\x1B[31m\xC2\x9B'", "cannot open the archive '/none\\x1B[31m\\u009B'"},
+      {"'frob\x1B'", "qbfs: unknown command 'frob\\x1B'"},
+      {"backup '--frob\x9B'", "qbfs backup: unknown option --frob\\x9B"},
+      {"props '/none\x1B[2J'", "'/none\\x1B[2J'"},
+      {"restore x -C '/none\xE2\x80\xAE'", "cannot use the directory '/none\\u202E'"},
+  };
+  for (EchoCase const& c : cases) {
+    ToolRun const run = qbfs(c.args);
+    EXPECT_TRUE(clean(run));
+    EXPECT_EQ(leaks(run.out), "") << run.out;
+    EXPECT_EQ(leaks(run.err), "") << run.err;
+    EXPECT_TRUE(has(run.out + run.err, c.shown)) << c.shown << "\n" << run.out << run.err;
+  }
+}
+
 // ---- set-uid files and device nodes restored as root ------------------------------------
 
 struct PermissionCase {
