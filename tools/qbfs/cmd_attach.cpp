@@ -54,8 +54,9 @@ int cmd_attach(Options const& options, int argc, char** argv) {
   }
   char resolved[PATH_MAX];
   if (realpath(argv[1], resolved) == nullptr) {
-    std::fprintf(stderr, "qbfs attach: cannot resolve the path '%s': %s\n", argv[1],
-                 std::strerror(errno));
+    char const* const reason = std::strerror(errno);
+    std::fprintf(stderr, "qbfs attach: cannot resolve the path '%s': %s\n",
+                 archive::terminal_text(argv[1]).c_str(), reason);
     return 1;
   }
   std::string narrow(resolved);
@@ -72,7 +73,7 @@ int cmd_attach(Options const& options, int argc, char** argv) {
   GENERIC_DLE* dle = head != nullptr ? holder_of(head->dle_q, path, nullptr) : nullptr;
   int rc = 1;
   if (dle == nullptr) {
-    std::fprintf(stderr, "qbfs attach: no backup element (DLE) holds %s%s\n", resolved,
+    std::fprintf(stderr, "qbfs attach: no backup element (DLE) holds %s%s\n", archive::terminal_text(resolved).c_str(),
                  options.modules.empty() ? "; no module is loaded" : "");
   } else {
     std::string const name = archive::terminal_text(std::wstring_view(dle->device_name != nullptr ? dle->device_name : L""));

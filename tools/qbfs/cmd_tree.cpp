@@ -42,7 +42,7 @@ int cmd_tree(Options const& options, int argc, char** argv) {
     if (std::strcmp(argv[i], "--brief") == 0) {
       brief = true;
     } else {
-      std::fprintf(stderr, "qbfs tree: unknown argument %s\n", argv[i]);
+      std::fprintf(stderr, "qbfs tree: unknown argument %s\n", archive::terminal_text(argv[i]).c_str());
       return 2;
     }
   }

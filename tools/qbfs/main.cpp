@@ -16,6 +16,7 @@
 
 #include "archive/archive_terminal_text.h"
 #include "commands.h"
+#include "layer_lines.h"
 #include "module_check.h"
 
 namespace {
@@ -189,7 +190,7 @@ int main(int argc, char** argv) {
     std::fprintf(stderr, "qbfs: --no-modules and --module cannot be given together\n");
     return 2;
   }
-  qbhost::zprintf_set_threshold(options.quiet ? -1 : 0);
+  qbfs::take_layer_lines(options.quiet ? -1 : 0);
   if (options.trace) {
     auto keep = qbclass::debug_print_keep_alive::instance();
     if (keep && keep->factory()) keep->factory()->enable("", true);

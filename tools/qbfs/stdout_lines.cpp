@@ -3,7 +3,6 @@
 #include <cwctype>
 #include <string>
 
-#include "archive/archive_terminal_text.h"
 
 namespace qbfs {
 
@@ -25,16 +24,7 @@ std::wstring drop_address(wchar_t const* line) {
 
 void StdoutLines::print(void* filter, int, wchar_t const* line) {
   if (line == nullptr) return;
-  std::wstring const text = filter == &kDropAddresses ? drop_address(line) : std::wstring(line);
-  // Each line of the text is printed escaped for the terminal (names of
-  // mount points and objects are among it); the line breaks stay.
-  std::wstring_view rest = text;
-  do {
-    std::size_t const end = rest.find(L'\n');
-    std::fputs(archive::terminal_text(rest.substr(0, end)).c_str(), stdout);
-    std::fputc('\n', stdout);
-    rest.remove_prefix(end == std::wstring_view::npos ? rest.size() : end + 1);
-  } while (!rest.empty());
+  print_layer_line(stdout, filter == &kDropAddresses ? drop_address(line).c_str() : line);
 }
 
 }  // namespace qbfs

@@ -226,14 +226,23 @@ TEST(HostileNames, NoCommandPrintsWhatATerminalWouldActOn) {
 }
 
 struct EchoCase {
-  std::string args;   // as the shell is given them (raw bytes inside single quotes)
-  std::string shown;  // a part of what the tool prints
+  std::string args;   // as the shell is given them (raw bytes inside single quotes); "%": a
+                      // scratch directory holding the directory "r ESC ]0;T BEL"
+  std::string shown;  // a part of what the tool prints ("%": the scratch directory)
 };
 
-// What a person typed or a file holds comes back escaped too: arguments
-// named in errors, names matched, the property tree loader's words.
-TEST(HostileNames, EchoedArgumentsAreEscaped) {
+// What a person typed or the file system holds comes back escaped too:
+// arguments named in errors, names matched, the property tree loader's
+// words, and the layer's own lines (the tree's dump, a module check's report).
+TEST(HostileNames, EchoedArgumentsAndLayerLinesAreEscaped) {
+  Scratch s;
+  ASSERT_FALSE(s.fresh("r\x1B]0;T\x07").empty());
+  std::string const root = "'%/r\x1B]0;T\x07' ", module = std::string(QB_TEST_MODULE_DIR) + "/libqbposix.so";
   std::vector<EchoCase> const cases = {
+      {"--root " + root + "tree", "DLE Tree"},
+      {"--root " + root + "tree", "%/r\\x1B]0;T\\x07"},
+      {"--root " + root + "tree --brief", "  %/r\\x1B]0;T\\x07  (file system "},
+      {"--root " + root + "validate " + module, "6 probes on '%/r\\x1B]0;T\\x07'"},
       {"match '*' 'a\x1B]0;x\x07" "b'", "  a\\x1B]0;x\\x07b\n"},
       {"ls '/none\x1B[31m\xC2\x9B'", "cannot open the archive '/none\\x1B[31m\\u009B'"},
       {"'frob\x1B'", "qbfs: unknown command 'frob\\x1B'"},
@@ -241,12 +250,16 @@ TEST(HostileNames, EchoedArgumentsAreEscaped) {
       {"props '/none\x1B[2J'", "'/none\\x1B[2J'"},
       {"restore x -C '/none\xE2\x80\xAE'", "cannot use the directory '/none\\u202E'"},
   };
+  auto fill = [&](std::string text) {
+    for (std::size_t at; (at = text.find('%')) != std::string::npos;) text.replace(at, 1, s.dir);
+    return text;
+  };
   for (EchoCase const& c : cases) {
-    ToolRun const run = qbfs(c.args);
+    ToolRun const run = qbfs(fill(c.args));
     EXPECT_TRUE(clean(run));
     EXPECT_EQ(leaks(run.out), "") << run.out;
     EXPECT_EQ(leaks(run.err), "") << run.err;
-    EXPECT_TRUE(has(run.out + run.err, c.shown)) << c.shown << "\n" << run.out << run.err;
+    EXPECT_TRUE(has(run.out + run.err, fill(c.shown))) << fill(c.shown) << "\n" << run.out << run.err;
   }
 }
 

@@ -4,8 +4,6 @@
 
 #include <cwchar>
 
-#include <qbhost/zprintf.h>
-
 #include "archive_terminal_text.h"
 
 namespace qbfs::archive {
@@ -20,18 +18,11 @@ Console::Console(std::string command, bool quiet, bool layer_messages)
     : command_(std::move(command)),
       live_(!quiet && isatty(STDERR_FILENO) == 1),
       show_layer_(layer_messages),
-      saved_threshold_(qbhost::zprintf_threshold()),
+      saved_threshold_(layer_lines_level()),
       start_(std::chrono::steady_clock::now()),
-      last_draw_(start_) {
-  qbhost::zprintf_set_threshold(-1);
-  qbhost::zprintf_set_hook(&Console::hook, this);
-}
+      last_draw_(start_) {}
 
-Console::~Console() {
-  qbhost::zprintf_set_hook(nullptr, nullptr);
-  qbhost::zprintf_set_threshold(saved_threshold_);
-  clear_line();
-}
+Console::~Console() { clear_line(); }
 
 void Console::hook(void* context, int level, wchar_t const* line) {
   auto* self = static_cast<Console*>(context);
@@ -39,14 +30,7 @@ void Console::hook(void* context, int level, wchar_t const* line) {
   ++self->layer_messages_;
   if (!self->show_layer_) return;
   self->clear_line();
-  // Each line of the text escaped for the terminal (modules quote names as
-  // they are); the line breaks stay.
-  std::wstring_view rest = line != nullptr ? line : L"";
-  do {
-    std::size_t const end = rest.find(L'\n');
-    std::fprintf(stderr, "%s\n", terminal_text(rest.substr(0, end)).c_str());
-    rest.remove_prefix(end == std::wstring_view::npos ? rest.size() : end + 1);
-  } while (!rest.empty());
+  print_layer_line(stderr, line);  // escaped: modules quote names as they are
 }
 
 void Console::message(std::string const& text) {

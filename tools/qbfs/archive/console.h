@@ -7,6 +7,8 @@
 #include <cstdio>
 #include <string>
 
+#include "../layer_lines.h"
+
 namespace qbfs::archive {
 
 class Console {
@@ -42,9 +44,10 @@ class Console {
   bool live_;         // a progress line may be on screen
   bool show_layer_;
   bool drawn_ = false;
-  int saved_threshold_;
+  int saved_threshold_;  // the level of the layer's lines the run prints
   unsigned layer_messages_ = 0;
   std::chrono::steady_clock::time_point start_, last_draw_;
+  LineRedirect redirect_{&Console::hook, this};
 };
 
 // "1.2 MB", "345 kB", "17 B".
