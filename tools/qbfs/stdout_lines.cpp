@@ -3,7 +3,6 @@
 #include <cwctype>
 #include <string>
 
-
 namespace qbfs {
 
 int StdoutLines::kDropAddresses = 0;

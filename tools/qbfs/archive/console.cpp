@@ -2,8 +2,6 @@
 
 #include <unistd.h>
 
-#include <cwchar>
-
 #include "archive_terminal_text.h"
 
 namespace qbfs::archive {
