@@ -15,6 +15,7 @@
 #include <qbfsys/handles.h>
 #include <qbhost/strings.h>
 
+#include "archive/archive_terminal_text.h"
 #include "commands.h"
 #include "layer_session.h"
 #include "status_text.h"
@@ -53,8 +54,9 @@ int cmd_attach(Options const& options, int argc, char** argv) {
   }
   char resolved[PATH_MAX];
   if (realpath(argv[1], resolved) == nullptr) {
-    std::fprintf(stderr, "qbfs attach: cannot resolve the path '%s': %s\n", argv[1],
-                 std::strerror(errno));
+    char const* const reason = std::strerror(errno);
+    std::fprintf(stderr, "qbfs attach: cannot resolve the path '%s': %s\n",
+                 archive::terminal_text(argv[1]).c_str(), reason);
     return 1;
   }
   std::string narrow(resolved);
@@ -71,10 +73,10 @@ int cmd_attach(Options const& options, int argc, char** argv) {
   GENERIC_DLE* dle = head != nullptr ? holder_of(head->dle_q, path, nullptr) : nullptr;
   int rc = 1;
   if (dle == nullptr) {
-    std::fprintf(stderr, "qbfs attach: no backup element (DLE) holds %s%s\n", resolved,
+    std::fprintf(stderr, "qbfs attach: no backup element (DLE) holds %s%s\n", archive::terminal_text(resolved).c_str(),
                  options.modules.empty() ? "; no module is loaded" : "");
   } else {
-    std::string name = wcstring(dle->device_name).to_utf8();
+    std::string const name = archive::terminal_text(std::wstring_view(dle->device_name != nullptr ? dle->device_name : L""));
     FSYS_HAND_STRUCT* hand = nullptr;
     FS_STATUS status = FS_AttachToDLE(&hand, dle, session.cfg(), nullptr, nullptr, 0, 0, nullptr,
                                       nullptr, 0, nullptr, false);
@@ -83,7 +85,7 @@ int cmd_attach(Options const& options, int argc, char** argv) {
     if (hand != nullptr) {
       if (status == FS_STATUS_EXT_ERROR && hand->lastMsg != nullptr) {
         for (wchar_t const* m = hand->lastMsg; *m != L'\0'; m += std::wcslen(m) + 1)
-          std::printf("  %s\n", wcstring(m).to_utf8().c_str());
+          std::printf("  %s\n", archive::terminal_text(std::wstring_view(m)).c_str());
       }
       std::printf("attach count while attached: %u\n", dle->attach_count);
       FS_STATUS detached = FS_DetachDLE(hand);

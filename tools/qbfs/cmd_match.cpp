@@ -19,6 +19,7 @@
 #include <qbfsys/fs_filespec.h>
 #include <qbhost/strings.h>
 
+#include "archive/archive_terminal_text.h"
 #include "commands.h"
 
 namespace qbfs {
@@ -70,7 +71,7 @@ int cmd_match(int argc, char** argv) {
       if (!parse_flags(argv[++i], &flags)) {
         std::fprintf(stderr,
                      "qbfs match: --flags takes a number from 0 to %ld (the flag bits), not '%s'\n",
-                     kAllFlags, argv[i]);
+                     kAllFlags, archive::terminal_text(argv[i]).c_str());
         return 2;
       }
       raw_flags = true;
@@ -78,7 +79,7 @@ int cmd_match(int argc, char** argv) {
       ++i;
       break;
     } else {
-      std::fprintf(stderr, "qbfs match: unknown option %s\n", argv[i]);
+      std::fprintf(stderr, "qbfs match: unknown option %s\n", archive::terminal_text(argv[i]).c_str());
       return 2;
     }
   }
@@ -112,7 +113,7 @@ int cmd_match(int argc, char** argv) {
     int result =
         FS_CompareFileSpec(names[n].data(), static_cast<short>(names[n].size()), spec.data(),
                            static_cast<short>(spec.size()), case_sensitive, partial, flags);
-    std::printf("%d  %s\n", result, argv[i + 1 + static_cast<int>(n)]);
+    std::printf("%d  %s\n", result, archive::terminal_text(argv[i + 1 + static_cast<int>(n)]).c_str());
   }
   return 0;
 }

@@ -7,6 +7,7 @@
 #include <qbfsys/registry.h>
 #include <qbhost/strings.h>
 
+#include "archive/archive_terminal_text.h"
 #include "commands.h"
 #include "layer_session.h"
 #include "status_text.h"
@@ -28,7 +29,7 @@ int cmd_modules(Options const& options, int argc, char** /*argv*/) {
     bool generic = std::memcmp(&tables[i], &_GENFuncTab, sizeof(_FUNC_LIST)) == 0;
     std::string by = "generic";
     if (dlls[i]) {
-      by = wcstring(dlls[i]->name).to_utf8();
+      by = archive::terminal_text(dlls[i]->name);
     } else if (!generic) {
       by = "(table of an unloaded module)";
     }

@@ -16,6 +16,7 @@
 
 #include <fs_property_tree.h>
 
+#include "archive/archive_terminal_text.h"
 #include "commands.h"
 
 namespace qbfs {
@@ -95,35 +96,39 @@ int cmd_props(int argc, char** argv) {
   }
   char const* file = argv[1];
   char const* path = argc == 3 ? argv[2] : nullptr;
+  // What is echoed (the arguments, the loader's words, which may quote the
+  // file) is escaped for the terminal; the tree's XML is the output itself.
+  auto shown = [](std::string_view text) { return archive::terminal_text(text); };
   if (path != nullptr) {
     std::string problem = path_problem(path);
     if (!problem.empty()) {
-      std::fprintf(stderr, "qbfs props: invalid path \"%s\": %s\n", path, problem.c_str());
+      std::fprintf(stderr, "qbfs props: invalid path \"%s\": %s\n", shown(path).c_str(), shown(problem).c_str());
       return 2;
     }
   }
   std::string text;
   std::string problem = read_file(file, text);
   if (!problem.empty()) {
-    std::fprintf(stderr, "qbfs props: %s\n", problem.c_str());
+    std::fprintf(stderr, "qbfs props: %s\n", shown(problem).c_str());
     return 1;
   }
   if (text.find('\0') != std::string::npos) {
-    std::fprintf(stderr, "qbfs props: '%s' contains a NUL byte; not XML text\n", file);
+    std::fprintf(stderr, "qbfs props: '%s' contains a NUL byte; not XML text\n", shown(file).c_str());
     return 1;
   }
   fs_property_tree_ptr tree;
   try {
     tree = fs_property_tree_load_utf8(text.c_str());
   } catch (std::exception const& e) {
-    std::fprintf(stderr, "qbfs props: cannot load '%s': %s\n", file, e.what());
+    std::fprintf(stderr, "qbfs props: cannot load '%s': %s\n", shown(file).c_str(), shown(e.what()).c_str());
     return 1;
   }
   try {
     std::string xml = tree->serialize_utf8txt();
     std::fwrite(xml.data(), 1, xml.size(), stdout);
   } catch (std::exception const& e) {
-    std::fprintf(stderr, "qbfs props: cannot print the tree of '%s': %s\n", file, e.what());
+    std::fprintf(stderr, "qbfs props: cannot print the tree of '%s': %s\n", shown(file).c_str(),
+                 shown(e.what()).c_str());
     return 1;
   }
   if (path == nullptr) return 0;
@@ -131,14 +136,16 @@ int cmd_props(int argc, char** argv) {
   try {
     fs_property_tree& found = tree->query_sub_tree(path);
     if (found.is_null_tree()) {
-      std::fprintf(stderr, "qbfs props: the path \"%s\" leads to no tree in '%s'\n", path, file);
+      std::fprintf(stderr, "qbfs props: the path \"%s\" leads to no tree in '%s'\n", shown(path).c_str(),
+                   shown(file).c_str());
       return 1;
     }
-    std::printf("query \"%s\":\n", path);
+    std::printf("query \"%s\":\n", shown(path).c_str());
     std::string xml = found.serialize_utf8txt();
     std::fwrite(xml.data(), 1, xml.size(), stdout);
   } catch (std::exception const& e) {
-    std::fprintf(stderr, "qbfs props: the path \"%s\" in '%s': %s\n", path, file, e.what());
+    std::fprintf(stderr, "qbfs props: the path \"%s\" in '%s': %s\n", shown(path).c_str(), shown(file).c_str(),
+                 shown(e.what()).c_str());
     return 1;
   }
   return 0;

@@ -10,6 +10,7 @@
 #include <qbhost/strings.h>
 #include <qbhost/zprintf.h>
 
+#include "archive/archive_terminal_text.h"
 #include "commands.h"
 #include "dle_dump.h"
 #include "layer_session.h"
@@ -19,7 +20,8 @@
 namespace qbfs {
 namespace {
 
-std::string utf8(wchar_t const* text) { return text ? wcstring(text).to_utf8() : std::string(); }
+// A mount point may be named anything: its name is escaped for the terminal.
+std::string utf8(wchar_t const* text) { return text ? archive::terminal_text(std::wstring_view(text)) : std::string(); }
 
 void print_brief(_Q_HEADER const& list, int depth) {
   for (_Q_ELEM* e = list.q_head; e != nullptr; e = e->q_next) {
@@ -40,7 +42,7 @@ int cmd_tree(Options const& options, int argc, char** argv) {
     if (std::strcmp(argv[i], "--brief") == 0) {
       brief = true;
     } else {
-      std::fprintf(stderr, "qbfs tree: unknown argument %s\n", argv[i]);
+      std::fprintf(stderr, "qbfs tree: unknown argument %s\n", archive::terminal_text(argv[i]).c_str());
       return 2;
     }
   }

@@ -14,10 +14,15 @@
 #include <qbhost/strings.h>
 #include <qbhost/zprintf.h>
 
+#include "archive/archive_terminal_text.h"
 #include "commands.h"
+#include "layer_lines.h"
 #include "module_check.h"
 
 namespace {
+
+// Arguments and the loader's reasons are printed escaped for the terminal.
+std::string shown(std::string const& text) { return qbfs::archive::terminal_text(text); }
 
 constexpr char kUsage[] =
     "usage: qbfs [options] <command> [arguments]\n"
@@ -81,7 +86,7 @@ bool prepare_modules(qbfs::Options& options, std::vector<std::string> const& nam
   for (std::string const& path : named) {
     std::string why = qbfs::check_module(path);
     if (!why.empty()) {
-      std::fprintf(stderr, "qbfs: module '%s' cannot be loaded: %s\n", path.c_str(), why.c_str());
+      std::fprintf(stderr, "qbfs: module '%s' cannot be loaded: %s\n", shown(path).c_str(), shown(why).c_str());
       return false;
     }
     options.modules.push_back(widen(path.c_str()));
@@ -96,7 +101,7 @@ bool prepare_modules(qbfs::Options& options, std::vector<std::string> const& nam
       std::fprintf(
           stderr,
           "qbfs: warning: the default module '%s' cannot be loaded (%s); going on without it\n",
-          path.c_str(), why.c_str());
+          shown(path).c_str(), shown(why).c_str());
     }
   }
   return true;
@@ -110,11 +115,12 @@ int check_root(char const* root) {
   }
   struct stat st;
   if (stat(root, &st) != 0) {
-    std::fprintf(stderr, "qbfs: --root '%s': %s\n", root, std::strerror(errno));
+    char const* const reason = std::strerror(errno);
+    std::fprintf(stderr, "qbfs: --root '%s': %s\n", shown(root).c_str(), reason);
     return 1;
   }
   if (!S_ISDIR(st.st_mode)) {
-    std::fprintf(stderr, "qbfs: --root '%s' is not a directory\n", root);
+    std::fprintf(stderr, "qbfs: --root '%s' is not a directory\n", shown(root).c_str());
     return 1;
   }
   return 0;
@@ -172,7 +178,7 @@ int main(int argc, char** argv) {
     } else if (a == "-t" || a == "--trace") {
       options.trace = true;
     } else {
-      std::fprintf(stderr, "qbfs: unknown option %s\n\n%s", argv[i], kUsage);
+      std::fprintf(stderr, "qbfs: unknown option %s\n\n%s", shown(argv[i]).c_str(), kUsage);
       return 2;
     }
   }
@@ -184,7 +190,7 @@ int main(int argc, char** argv) {
     std::fprintf(stderr, "qbfs: --no-modules and --module cannot be given together\n");
     return 2;
   }
-  qbhost::zprintf_set_threshold(options.quiet ? -1 : 0);
+  qbfs::take_layer_lines(options.quiet ? -1 : 0);
   if (options.trace) {
     auto keep = qbclass::debug_print_keep_alive::instance();
     if (keep && keep->factory()) keep->factory()->enable("", true);
@@ -207,6 +213,6 @@ int main(int argc, char** argv) {
   if (command == "props") return qbfs::cmd_props(sub_argc, sub_argv);
   if (command == "validate") return qbfs::cmd_validate(options, sub_argc, sub_argv);
   if (command == "version") return version();
-  std::fprintf(stderr, "qbfs: unknown command '%s'\n\n%s", command.c_str(), kUsage);
+  std::fprintf(stderr, "qbfs: unknown command '%s'\n\n%s", shown(command).c_str(), kUsage);
   return 2;
 }

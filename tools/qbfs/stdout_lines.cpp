@@ -3,8 +3,6 @@
 #include <cwctype>
 #include <string>
 
-#include <qbhost/strings.h>
-
 namespace qbfs {
 
 int StdoutLines::kDropAddresses = 0;
@@ -24,10 +22,8 @@ std::wstring drop_address(wchar_t const* line) {
 }  // namespace
 
 void StdoutLines::print(void* filter, int, wchar_t const* line) {
-  std::string text =
-      filter == &kDropAddresses ? wcstring(drop_address(line)).to_utf8() : wcstring(line).to_utf8();
-  std::fputs(text.c_str(), stdout);
-  if (text.empty() || text.back() != '\n') std::fputc('\n', stdout);
+  if (line == nullptr) return;
+  print_layer_line(stdout, filter == &kDropAddresses ? drop_address(line).c_str() : line);
 }
 
 }  // namespace qbfs

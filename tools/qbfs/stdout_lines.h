@@ -1,9 +1,10 @@
 // While alive, the host's debug-print lines go to standard output instead of
-// standard error: for sub-commands whose result is printed by the layer.
+// standard error, escaped for the terminal (layer_lines.h): for sub-commands
+// whose result is printed by the layer.
 #pragma once
 #include <cstdio>
 
-#include <qbhost/zprintf.h>
+#include "layer_lines.h"
 
 namespace qbfs {
 
@@ -13,15 +14,10 @@ class StdoutLines {
 
   // With `without_addresses`, the " address <pointer>" part of each line is
   // left out: output a person reads carries no pointers.
-  explicit StdoutLines(filter f = as_printed) : threshold_(qbhost::zprintf_threshold()) {
-    qbhost::zprintf_set_threshold(-1);
-    qbhost::zprintf_set_hook(&StdoutLines::print,
-                             f == without_addresses ? &kDropAddresses : nullptr);
-  }
+  explicit StdoutLines(filter f = as_printed)
+      : redirect_(&StdoutLines::print, f == without_addresses ? &kDropAddresses : nullptr) {}
   ~StdoutLines() {
     std::fflush(stdout);  // keep the order with what later goes to standard error
-    qbhost::zprintf_set_hook(nullptr, nullptr);
-    qbhost::zprintf_set_threshold(threshold_);
   }
   StdoutLines(StdoutLines const&) = delete;
   StdoutLines& operator=(StdoutLines const&) = delete;
@@ -29,7 +25,7 @@ class StdoutLines {
  private:
   static void print(void* filter, int, wchar_t const* line);
   static int kDropAddresses;  // its address marks the filter
-  int threshold_;
+  LineRedirect redirect_;
 };
 
 }  // namespace qbfs

@@ -23,8 +23,8 @@ bool encode_path(Components const& components, std::string& out);
 // path is not acceptable.
 bool decode_path(std::string const& path, Components& out, std::string& why);
 
-// A path for messages: bytes that stood for non-UTF-8 names and control
-// characters shown as \xNN.
+// A path for messages, in the form of terminal_text()
+// (archive_terminal_text.h): what a terminal would act on is escaped.
 std::string display_path(std::string const& path);
 std::string display_path(Components const& components);
 

@@ -249,6 +249,7 @@ Event ArchiveReader::in_object(FrameHeader const& header) {
     return end_object((stream_.fs_attrib & kChecksumSourceFailed) ? Verdict::source_failed : Verdict::intact, {});
   }
   remaining_ -= header.length;
+  summary_.data_bytes += header.length;
   object_digest_.add(payload, header.length);
   Event event;
   event.kind = EventKind::data;
@@ -268,6 +269,11 @@ Event ArchiveReader::finish(FrameHeader const* header) {
     if (record.objects != summary_.objects) {
       summary_.problem = "the end-of-data record counts " + std::to_string(record.objects) +
                      " objects, the archive holds " + std::to_string(summary_.objects);
+    } else if (!summary_.damaged && record.data_bytes != summary_.data_bytes) {
+      // Checked only when every object was read whole: a damaged one has
+      // lost data frames, and is reported already.
+      summary_.problem = "the end-of-data record counts " + std::to_string(record.data_bytes) +
+                         " data bytes, the archive holds " + std::to_string(summary_.data_bytes);
     } else if (!summary_.damaged && std::memcmp(chain.data(), record.digest, chain.size()) != 0) {
       summary_.problem = "the objects do not add up to the end-of-data record: one is missing, "
                      "repeated or out of order";

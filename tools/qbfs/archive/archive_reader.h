@@ -56,6 +56,7 @@ struct EndState {
   bool damaged = false;  // some object or some bytes did not check out
   std::string problem;   // what is wrong with the archive as a whole, or empty
   std::uint64_t objects = 0;  // objects begun
+  std::uint64_t data_bytes = 0;  // stream data read inside objects, checksums excluded
 };
 
 class ArchiveReader {

@@ -7,11 +7,13 @@
 #include <utility>
 #include <vector>
 
+#include "archive_terminal_text.h"
+
 namespace qbfs::archive {
 
 // Usage error: the message, then how to get help. Returns exit code 2.
 inline int usage_error(char const* command, std::string const& text) {
-  std::fprintf(stderr, "%s: %s\n(see: %s --help)\n", command, text.c_str(), command);
+  std::fprintf(stderr, "%s: %s\n(see: %s --help)\n", command, terminal_text(text).c_str(), command);
   return 2;
 }
 

@@ -31,6 +31,7 @@
 #include "../commands.h"
 #include "arguments.h"
 #include "archive_names.h"
+#include "archive_terminal_text.h"
 #include "archive_writer.h"
 #include "console.h"
 #include "input.h"
@@ -297,8 +298,9 @@ int cmd_backup(Options const& options, int argc, char** argv) {
         return usage_error(kCommand, "the pattern '" + value.substr(0, 40) + "...' is too long");
       rules.push_back({widen(value), kReasonExcludeOption});
     } else if (name == "--exclude-from" && !read_exclude_file(value, rules)) {
-      std::fprintf(stderr, "%s: cannot read the exclusion file '%s': %s\n", kCommand, value.c_str(),
-                   std::strerror(errno));
+      char const* const reason = std::strerror(errno);
+      std::fprintf(stderr, "%s: cannot read the exclusion file '%s': %s\n", kCommand, terminal_text(value).c_str(),
+                   reason);
       return 1;
     }
   }
@@ -325,7 +327,8 @@ int cmd_backup(Options const& options, int argc, char** argv) {
   } else {
     fd = open(output.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
     if (fd < 0) {
-      std::fprintf(stderr, "%s: cannot create the archive '%s': %s\n", kCommand, output.c_str(), std::strerror(errno));
+      char const* const reason = std::strerror(errno);
+      std::fprintf(stderr, "%s: cannot create the archive '%s': %s\n", kCommand, terminal_text(output).c_str(), reason);
       return 1;
     }
   }

@@ -15,6 +15,7 @@
 #include "input.h"
 #include "archive_names.h"
 #include "archive_reader.h"
+#include "archive_terminal_text.h"
 #include "arguments.h"
 #include "posix_view.h"
 
@@ -88,21 +89,22 @@ int cmd_ls(int argc, char** argv) {
       if (into != nullptr && into->size() < kShownTarget)
         into->append(reinterpret_cast<char const*>(e.data), std::min(e.size, kShownTarget - into->size()));
     } else if (e.kind == EventKind::damage) {
-      std::fprintf(stderr, "%s: damaged: %s\n", kCommand, e.problem.c_str());
+      std::fprintf(stderr, "%s: damaged: %s\n", kCommand, terminal_text(e.problem).c_str());
     } else if (e.kind == EventKind::object_end) {
       std::string const path = display_path(entry.path);
       if (e.verdict == Verdict::damaged) {
-        std::fprintf(stderr, "%s: damaged: %s: %s\n", kCommand, path.c_str(), e.problem.c_str());
+        std::fprintf(stderr, "%s: damaged: %s: %s\n", kCommand, path.c_str(), terminal_text(e.problem).c_str());
         continue;
       }
       bool const dir = entry.record.blk_type == DBLK_KIND_DDB;
       std::string const line = long_form ? long_line(entry, symlink, hardlink) : path;
-      std::printf("%s%s%s\n", line.c_str(), dir && !long_form ? "/" : "",
+      std::printf("%s%s%s\n", terminal_text(line).c_str(), dir && !long_form ? "/" : "",
                   e.verdict == Verdict::source_failed ? "  (incomplete: its reading failed at backup)" : "");
     }
   }
   EndState const& end = reader.end_state();
-  if (!end.problem.empty()) std::fprintf(stderr, "%s: the archive is damaged: %s\n", kCommand, end.problem.c_str());
+  if (!end.problem.empty())
+    std::fprintf(stderr, "%s: the archive is damaged: %s\n", kCommand, terminal_text(end.problem).c_str());
   std::fflush(stdout);
   return end.damaged ? 1 : 0;
 }

@@ -11,6 +11,12 @@
 // climb, the handle moves only by names below its root, and the module
 // opens every component without following links.
 //
+// What the archive may make (set-uid bits, device nodes) is narrowed by
+// the options of restore_policy.h; an object refused by them is reported
+// and counts like a failed one: the exit status is then 1, because DIR
+// does not hold everything the archive does, and a script must not take
+// the restore for a whole one.
+//
 // When a directory of the archive is missing in DIR (its record was
 // damaged, or only objects below it were selected and it was not), it is
 // created as a plain directory so the objects below it can be restored.
@@ -33,6 +39,7 @@
 #include "arguments.h"
 #include "console.h"
 #include "layer_objects.h"
+#include "restore_policy.h"
 
 namespace qbfs {
 namespace {
@@ -51,11 +58,24 @@ constexpr char kHelp[] =
     "  -v, --verbose        name each object restored; show the layer's messages\n"
     "  -q, --quiet          no progress line, no layer messages\n"
     "\n"
+    "For an archive you do not trust (by default every object is made as the\n"
+    "archive describes it, as a restore of your own backup needs):\n"
+    "  --no-setid           clear the set-uid and set-gid bits of every object\n"
+    "  --no-same-permissions\n"
+    "                       as --no-setid, and take the umask off the\n"
+    "                       permissions of every object\n"
+    "  --no-devices         refuse character and block device nodes: each is\n"
+    "                       reported and not made (the exit status is then 1)\n"
+    "\n"
     "A damaged object is reported and not restored (a directory is kept);\n"
     "every intact object is restored.\n"
     "\n"
     "Exit status: 0 when everything was restored, 1 when some objects\n"
-    "failed or were damaged, 2 on bad usage.\n";
+    "failed, were damaged or were refused, 2 on bad usage.\n";
+
+constexpr OptionSpec kNoSetid{nullptr, "--no-setid", false};
+constexpr OptionSpec kNoSamePermissions{nullptr, "--no-same-permissions", false};
+constexpr OptionSpec kNoDevices{nullptr, "--no-devices", false};
 
 bool is_prefix(Components const& a, Components const& b) {
   return a.size() <= b.size() && std::equal(a.begin(), a.end(), b.begin());
@@ -63,8 +83,10 @@ bool is_prefix(Components const& a, Components const& b) {
 
 class RestoreJob {
  public:
-  RestoreJob(FSYS_HAND_STRUCT* hand, Console& console, bool verbose, std::vector<Components> selection)
-      : hand_(hand), t_(*hand->funcTable), console_(console), verbose_(verbose), selection_(std::move(selection)) {}
+  RestoreJob(FSYS_HAND_STRUCT* hand, Console& console, bool verbose, std::vector<Components> selection,
+             RestorePolicy const& policy)
+      : hand_(hand), t_(*hand->funcTable), console_(console), verbose_(verbose), selection_(std::move(selection)),
+        policy_(policy) {}
 
   void run(ArchiveReader& reader) {
     for (Event e = reader.next(); e.kind != EventKind::end; e = reader.next()) {
@@ -82,7 +104,7 @@ class RestoreJob {
     }
   }
 
-  std::uint64_t restored_ = 0, bytes_ = 0, failed_ = 0, damaged_ = 0;
+  std::uint64_t restored_ = 0, bytes_ = 0, failed_ = 0, damaged_ = 0, refused_ = 0;
 
  private:
   bool wanted(Components const& c) const {
@@ -102,22 +124,27 @@ class RestoreJob {
 
   void begin(ObjectEntry const& entry) {
     obj_ = nullptr;
-    made_ = false;
+    made_ = opened_ = false;
     error_.clear();
     if (!wanted(entry.components)) return;
-    Components const parent(entry.components.begin(), entry.components.end() - 1);
+    info_ = entry.os_info;
     std::string why;
+    if (!policy_.admit(entry.record.os_id, info_, why)) {
+      ++refused_;
+      return console_.message(display_path(entry.components) + ": " + why);
+    }
+    Components const parent(entry.components.begin(), entry.components.end() - 1);
     auto note = [this](Components const& made) {
       if (verbose_) console_.message("created the missing directory " + display_path(made));
     };
     if (!cursor_.go_to(parent, true, why, note)) return fail(entry.components, why);
-    info_ = entry.os_info;
     blk_ = DBLK{};
     FS_STATUS status = make_block(hand_, entry.record, entry.components.back(), info_, &blk_);
     made_ = status == FS_SUCCESS;
     if (status == FS_SUCCESS) status = t_.CreateObj(hand_, &blk_, nullptr, RESTORE_OVERWRITE);
     if (status == FS_SUCCESS) status = FS_OpenObj(hand_, &obj_, &blk_, FS_WRITE);
-    if (status != FS_SUCCESS) {
+    opened_ = status == FS_SUCCESS;
+    if (!opened_) {
       obj_ = nullptr;
       fail(entry.components, "cannot be restored: " + failure_text(hand_, status));
     }
@@ -160,7 +187,7 @@ class RestoreJob {
                        (!made_ ? "" : directory ? "; the directory is kept" : "; not restored"));
     } else if (!error_.empty()) {
       fail(entry.components, error_);
-    } else if (made_) {
+    } else if (opened_) {  // an object that could not be made was reported at its start
       ++restored_;
       if (verbose_) console_.message("restored " + path());
     }
@@ -176,9 +203,11 @@ class RestoreJob {
   Console& console_;
   bool verbose_;
   std::vector<Components> selection_;
+  RestorePolicy policy_;
   HandleCursor cursor_{hand_};
   DBLK blk_{};
   bool made_ = false;
+  bool opened_ = false;  // the object was made and opened for its streams
   _FILE_HAND_STRUCT* obj_ = nullptr;
   std::vector<unsigned char> info_;
   std::string error_;
@@ -188,7 +217,8 @@ class RestoreJob {
 
 int cmd_restore(Options const& options, int argc, char** argv) {
   Arguments args;
-  if (int const rc = parse_arguments(argc, argv, kCommand, {{"-C", "--directory", true}, kVerbose, kQuiet}, args))
+  if (int const rc = parse_arguments(argc, argv, kCommand, {{"-C", "--directory", true}, kVerbose, kQuiet, kNoSetid,
+                                                        kNoSamePermissions, kNoDevices}, args))
     return rc;
   if (args.help) {
     std::fputs(kHelp, stdout);
@@ -197,6 +227,12 @@ int cmd_restore(Options const& options, int argc, char** argv) {
   std::string const archive_name = args.operands.empty() ? std::string() : args.operands.front();
   std::string const directory = args.value("--directory");
   bool const verbose = args.has("--verbose"), quiet = options.quiet || args.has("--quiet");
+  RestorePolicy policy;
+  policy.apply_umask = args.has("--no-same-permissions");
+  policy.clear_setid = policy.apply_umask || args.has("--no-setid");
+  policy.refuse_devices = args.has("--no-devices");
+  policy.umask = umask(0);
+  umask(policy.umask);
   std::vector<Components> selection;
   for (std::size_t i = 1; i < args.operands.size(); ++i) {
     std::string trimmed = args.operands[i];
@@ -229,12 +265,13 @@ int cmd_restore(Options const& options, int argc, char** argv) {
       {
         // The job steps its handle back to the root when it ends, so it
         // ends before the handle is detached.
-        RestoreJob job(hand, console, verbose, selection);
+        RestoreJob job(hand, console, verbose, selection, policy);
         job.run(reader);
-        if (job.failed_ > 0 || job.damaged_ > 0) rc = 1;
+        if (job.failed_ > 0 || job.damaged_ > 0 || job.refused_ > 0) rc = 1;
         restored = job.restored_;
         bytes = job.bytes_;
         rest = grouped(job.damaged_) + " damaged, " + grouped(job.failed_) + " failed";
+        if (job.refused_ > 0) rest += ", " + grouped(job.refused_) + " refused";
       }
       FS_DetachDLE(hand);  // directories get their metadata here
       EndState const& end = reader.end_state();

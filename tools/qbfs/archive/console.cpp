@@ -2,10 +2,7 @@
 
 #include <unistd.h>
 
-#include <cwchar>
-
-#include <qbhost/strings.h>
-#include <qbhost/zprintf.h>
+#include "archive_terminal_text.h"
 
 namespace qbfs::archive {
 namespace {
@@ -19,18 +16,11 @@ Console::Console(std::string command, bool quiet, bool layer_messages)
     : command_(std::move(command)),
       live_(!quiet && isatty(STDERR_FILENO) == 1),
       show_layer_(layer_messages),
-      saved_threshold_(qbhost::zprintf_threshold()),
+      saved_threshold_(layer_lines_level()),
       start_(std::chrono::steady_clock::now()),
-      last_draw_(start_) {
-  qbhost::zprintf_set_threshold(-1);
-  qbhost::zprintf_set_hook(&Console::hook, this);
-}
+      last_draw_(start_) {}
 
-Console::~Console() {
-  qbhost::zprintf_set_hook(nullptr, nullptr);
-  qbhost::zprintf_set_threshold(saved_threshold_);
-  clear_line();
-}
+Console::~Console() { clear_line(); }
 
 void Console::hook(void* context, int level, wchar_t const* line) {
   auto* self = static_cast<Console*>(context);
@@ -38,13 +28,12 @@ void Console::hook(void* context, int level, wchar_t const* line) {
   ++self->layer_messages_;
   if (!self->show_layer_) return;
   self->clear_line();
-  std::string const text = wcstring(line).to_utf8().c_str();
-  std::fprintf(stderr, "%s%s", text.c_str(), !text.empty() && text.back() == '\n' ? "" : "\n");
+  print_layer_line(stderr, line);  // escaped: modules quote names as they are
 }
 
 void Console::message(std::string const& text) {
   clear_line();
-  std::fprintf(stderr, "%s: %s\n", command_.c_str(), text.c_str());
+  std::fprintf(stderr, "%s: %s\n", command_.c_str(), terminal_text(text).c_str());
 }
 
 double Console::elapsed() const {
@@ -79,7 +68,7 @@ void Console::summary(std::uint64_t objects, std::uint64_t bytes, std::string co
   std::fprintf(out, "%s: %s objects, %s in %.1f s (%s/s)%s%s\n", command_.c_str(),
                grouped(objects).c_str(), human_bytes(static_cast<double>(bytes)).c_str(), seconds,
                human_bytes(seconds > 0 ? static_cast<double>(bytes) / seconds : 0).c_str(),
-               rest.empty() ? "" : "; ", rest.c_str());
+               rest.empty() ? "" : "; ", terminal_text(rest).c_str());
   std::fflush(out);
 }
 

@@ -7,6 +7,8 @@
 #include <cstdio>
 #include <string>
 
+#include "../layer_lines.h"
+
 namespace qbfs::archive {
 
 class Console {
@@ -22,7 +24,8 @@ class Console {
   Console(Console const&) = delete;
   Console& operator=(Console const&) = delete;
 
-  // "<command>: <text>" on standard error.
+  // "<command>: <text>" on standard error, `text` escaped for the
+  // terminal (terminal_text); the layer's messages are escaped the same way.
   void message(std::string const& text);
   // Redraws the progress line at most a few times a second.
   void progress(std::uint64_t objects, std::uint64_t bytes, bool force = false);
@@ -41,9 +44,10 @@ class Console {
   bool live_;         // a progress line may be on screen
   bool show_layer_;
   bool drawn_ = false;
-  int saved_threshold_;
+  int saved_threshold_;  // the level of the layer's lines the run prints
   unsigned layer_messages_ = 0;
   std::chrono::steady_clock::time_point start_, last_draw_;
+  LineRedirect redirect_{&Console::hook, this};
 };
 
 // "1.2 MB", "345 kB", "17 B".

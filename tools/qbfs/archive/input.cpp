@@ -10,6 +10,8 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "archive_terminal_text.h"
+
 namespace qbfs::archive {
 
 ArchiveInput::~ArchiveInput() {
@@ -18,7 +20,7 @@ ArchiveInput::~ArchiveInput() {
 
 int ArchiveInput::open(std::string const& name, char const* command) {
   auto refuse = [&](std::string const& why, int code) {
-    std::fprintf(stderr, "%s: %s\n", command, why.c_str());
+    std::fprintf(stderr, "%s: %s\n", command, terminal_text(why).c_str());
     return code;
   };
   if (name == "-") {
@@ -50,7 +52,7 @@ int resolve_directory(char const* command, std::string const& dir, std::string& 
   else if (!S_ISDIR(st.st_mode))
     why = "it is not a directory";
   if (why != nullptr) {
-    std::fprintf(stderr, "%s: cannot use the directory '%s': %s\n", command, dir.c_str(), why);
+    std::fprintf(stderr, "%s: cannot use the directory '%s': %s\n", command, terminal_text(dir).c_str(), why);
     return 1;
   }
   resolved = path;

@@ -6,6 +6,7 @@
 #include <qbhost/strings.h>
 
 #include "../status_text.h"
+#include "archive_terminal_text.h"
 
 namespace qbfs::archive {
 namespace {
@@ -91,7 +92,7 @@ std::string failure_text(FSYS_HAND_STRUCT* hand, FS_STATUS status) {
   wchar_t* message = nullptr;
   if (hand != nullptr && status == FS_STATUS_EXT_ERROR)
     GEN_GetExtendedErrorInfo(hand, nullptr, nullptr, &message);
-  if (message != nullptr && message[0] != L'\0') return narrow(message);
+  if (message != nullptr && message[0] != L'\0') return terminal_text(std::wstring_view(message));
   return describe_status(status);
 }
 

@@ -44,7 +44,8 @@ class RootSession {
 
 // The object's name (no path) as the file system gives it.
 std::wstring object_name(FSYS_HAND_STRUCT* hand, DBLK* blk);
-// The handle's last error in words, else `status` in words.
+// The handle's last error in words (escaped for the terminal: a module's
+// text quotes names as they are), else `status` in words.
 std::string failure_text(FSYS_HAND_STRUCT* hand, FS_STATUS status);
 // Builds a block of `hand` for an object named `name` described by
 // `record` and `os_info` (which must outlive the block), as a restore does.

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "../archive/archive_terminal_text.h"
+
 namespace qbfs::validate {
 namespace {
 
@@ -54,12 +56,15 @@ bool Report::any_failed() const {
 }
 
 void Report::write_text(std::FILE* out, std::string const& module, std::uint64_t seed) const {
-  std::fprintf(out, "validating %s (seed %llu)\n", module.c_str(),
+  // The text form is read on a terminal: the module's name and the details
+  // (which quote what the module said and named) are escaped for it.
+  std::fprintf(out, "validating %s (seed %llu)\n", archive::terminal_text(module).c_str(),
                static_cast<unsigned long long>(seed));
   unsigned counts[3] = {0, 0, 0};
   for (CheckResult const& r : results_) {
     ++counts[static_cast<int>(r.outcome)];
-    std::fprintf(out, "%-8s %-18s %s\n", outcome_name(r.outcome), r.id.c_str(), r.detail.c_str());
+    std::fprintf(out, "%-8s %-18s %s\n", outcome_name(r.outcome), r.id.c_str(),
+                 archive::terminal_text(r.detail).c_str());
   }
   std::fprintf(out, "%u passed, %u failed, %u skipped\n", counts[0], counts[1], counts[2]);
 }
