@@ -16,6 +16,7 @@
 #include <qbhost/strings.h>
 
 #include "archive/archive_terminal_text.h"
+#include "arguments.h"
 #include "commands.h"
 #include "layer_session.h"
 #include "status_text.h"
@@ -44,19 +45,26 @@ GENERIC_DLE* holder_of(_Q_HEADER const& list, std::wstring const& path, GENERIC_
 }  // namespace
 
 int cmd_attach(Options const& options, int argc, char** argv) {
-  if (argc != 2) {
-    std::fprintf(stderr, "usage: qbfs attach PATH\n");
-    return 2;
-  }
-  if (argv[1][0] == '\0') {
-    std::fprintf(stderr, "qbfs attach: the path is empty\n");
-    return 2;
-  }
+  static constexpr char kCommand[] = "qbfs attach";
+  static constexpr char kHelp[] =
+      "usage: qbfs attach PATH\n"
+      "\n"
+      "Attaches a handle to the backup element that holds the local PATH (the\n"
+      "element whose mount point or root is the longest leading part of it),\n"
+      "reports the result and detaches.\n"
+      "\n"
+      "Exit status: 0 when the attach succeeded, 1 when it failed, 2 on bad usage.\n";
+  Arguments args;
+  if (int const rc = parse_arguments(argc, argv, kCommand, {}, args); rc != 0) return rc;
+  if (args.help) return std::fputs(kHelp, stdout), 0;
+  if (args.operands.size() != 1) return usage_error(kCommand, "takes one PATH");
+  if (args.operands[0].empty()) return usage_error(kCommand, "the path is empty");
+  std::string const argument = args.operands[0];
   char resolved[PATH_MAX];
-  if (realpath(argv[1], resolved) == nullptr) {
+  if (realpath(argument.c_str(), resolved) == nullptr) {
     char const* const reason = std::strerror(errno);
     std::fprintf(stderr, "qbfs attach: cannot resolve the path '%s': %s\n",
-                 archive::terminal_text(argv[1]).c_str(), reason);
+                 archive::terminal_text(argument).c_str(), reason);
     return 1;
   }
   std::string narrow(resolved);

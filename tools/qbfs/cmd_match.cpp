@@ -20,6 +20,7 @@
 #include <qbhost/strings.h>
 
 #include "archive/archive_terminal_text.h"
+#include "arguments.h"
 #include "commands.h"
 
 namespace qbfs {
@@ -51,49 +52,45 @@ bool parse_flags(char const* text, int* flags) {
 
 }  // namespace
 
-int cmd_match(int argc, char** argv) {
-  int case_sensitive = 1, partial = 0, flags = 0;
-  bool segment = false, raw_flags = false;
-  int i = 1;
-  for (; i < argc && argv[i][0] == '-' && argv[i][1] != '\0'; ++i) {
-    std::string a = argv[i];
-    if (a == "-i" || a == "--ignore-case") {
-      case_sensitive = 0;
-    } else if (a == "--partial") {
-      partial = 1;
-    } else if (a == "--segment") {
-      segment = true;
-    } else if (a == "--flags") {
-      if (i + 1 >= argc) {
-        std::fprintf(stderr, "qbfs match: --flags needs a value\n");
-        return 2;
-      }
-      if (!parse_flags(argv[++i], &flags)) {
-        std::fprintf(stderr,
-                     "qbfs match: --flags takes a number from 0 to %ld (the flag bits), not '%s'\n",
-                     kAllFlags, archive::terminal_text(argv[i]).c_str());
-        return 2;
-      }
-      raw_flags = true;
-    } else if (a == "--") {
-      ++i;
-      break;
-    } else {
-      std::fprintf(stderr, "qbfs match: unknown option %s\n", archive::terminal_text(argv[i]).c_str());
-      return 2;
-    }
-  }
-  if (segment && raw_flags) {
-    std::fprintf(stderr, "qbfs match: --segment and --flags cannot be given together\n");
+int cmd_match(Options const& /*options*/, int argc, char** argv) {
+  static constexpr char kCommand[] = "qbfs match";
+  static constexpr char kHelp[] =
+      "usage: qbfs match [-i] [--partial] [--segment | --flags N] SPEC NAME...\n"
+      "\n"
+      "Prints, per NAME, what the layer's file-specification matcher answers\n"
+      "for SPEC: 0 no match, 1 match, 2 the name ended while SPEC goes on.\n"
+      "This is how one checks why an exclusion rule did or did not apply.\n"
+      "\n"
+      "  -i, --ignore-case   compare without regard to case\n"
+      "  --partial           accept a name that ends while SPEC goes on\n"
+      "  --segment           segment-search mode instead of the classic one\n"
+      "  --flags N           the raw flag word, 0 to 15 (not with --segment)\n"
+      "  --                  what follows is SPEC and names, even with a '-'\n";
+  Arguments args;
+  if (int const rc = parse_arguments(argc, argv, kCommand,
+                                     {{"-i", "--ignore-case", false},
+                                      {nullptr, "--partial", false},
+                                      {nullptr, "--segment", false},
+                                      {nullptr, "--flags", true}},
+                                     args);
+      rc != 0)
+    return rc;
+  if (args.help) return std::fputs(kHelp, stdout), 0;
+  int const case_sensitive = args.has("--ignore-case") ? 0 : 1;
+  int const partial = args.has("--partial") ? 1 : 0;
+  bool const segment = args.has("--segment");
+  bool const raw_flags = args.has("--flags");
+  int flags = 0;
+  if (raw_flags && !parse_flags(args.value("--flags").c_str(), &flags)) {
+    std::fprintf(stderr, "qbfs match: --flags takes a number from 0 to %ld (the flag bits), not '%s'\n",
+                 kAllFlags, archive::terminal_text(args.value("--flags")).c_str());
     return 2;
   }
+  if (segment && raw_flags) return usage_error(kCommand, "--segment and --flags cannot be given together");
   if (segment) flags = FS_SPEC_SEGMENT_SEARCH;
-  if (argc - i < 2) {
-    std::fprintf(stderr,
-                 "usage: qbfs match [-i] [--partial] [--segment | --flags N] SPEC NAME...\n");
-    return 2;
-  }
-  std::vector<wchar_t> spec = counted(argv[i]);
+  if (args.operands.size() < 2) return usage_error(kCommand, "needs SPEC and at least one NAME");
+  std::vector<std::string> const& operands = args.operands;
+  std::vector<wchar_t> spec = counted(operands[0].c_str());
   if (spec.size() > kMaxCounted) {
     std::fprintf(stderr,
                  "qbfs match: the specification has %zu characters; at most %zu are taken\n",
@@ -101,10 +98,10 @@ int cmd_match(int argc, char** argv) {
     return 2;
   }
   std::vector<std::vector<wchar_t>> names;
-  for (int n = i + 1; n < argc; ++n) {
-    names.push_back(counted(argv[n]));
+  for (std::size_t n = 1; n < operands.size(); ++n) {
+    names.push_back(counted(operands[n].c_str()));
     if (names.back().size() > kMaxCounted) {
-      std::fprintf(stderr, "qbfs match: name %d has %zu characters; at most %zu are taken\n", n - i,
+      std::fprintf(stderr, "qbfs match: name %zu has %zu characters; at most %zu are taken\n", n,
                    names.back().size() - 1, kMaxCounted - 1);
       return 2;
     }
@@ -113,7 +110,7 @@ int cmd_match(int argc, char** argv) {
     int result =
         FS_CompareFileSpec(names[n].data(), static_cast<short>(names[n].size()), spec.data(),
                            static_cast<short>(spec.size()), case_sensitive, partial, flags);
-    std::printf("%d  %s\n", result, archive::terminal_text(argv[i + 1 + static_cast<int>(n)]).c_str());
+    std::printf("%d  %s\n", result, archive::terminal_text(operands[n + 1]).c_str());
   }
   return 0;
 }

@@ -8,17 +8,25 @@
 #include <qbhost/strings.h>
 
 #include "archive/archive_terminal_text.h"
+#include "arguments.h"
 #include "commands.h"
 #include "layer_session.h"
 #include "status_text.h"
 
 namespace qbfs {
 
-int cmd_modules(Options const& options, int argc, char** /*argv*/) {
-  if (argc > 1) {
-    std::fprintf(stderr, "qbfs modules: takes no arguments\n");
-    return 2;
-  }
+int cmd_modules(Options const& options, int argc, char** argv) {
+  static constexpr char kCommand[] = "qbfs modules";
+  static constexpr char kHelp[] =
+      "usage: qbfs modules\n"
+      "\n"
+      "Starts the layer with the modules and shows, for each of the 51\n"
+      "file-system indices, whether it finds drives, resolves names or serves\n"
+      "objects, and which module serves it (else the generic file system).\n";
+  Arguments args;
+  if (int const rc = parse_arguments(argc, argv, kCommand, {}, args); rc != 0) return rc;
+  if (args.help) return std::fputs(kHelp, stdout), 0;
+  if (!args.operands.empty()) return usage_error(kCommand, "takes no arguments");
   LayerSession session(options);
   std::printf("start-up: %s\n", describe_status(session.status()).c_str());
 

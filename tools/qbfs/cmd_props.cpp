@@ -17,6 +17,7 @@
 #include <fs_property_tree.h>
 
 #include "archive/archive_terminal_text.h"
+#include "arguments.h"
 #include "commands.h"
 
 namespace qbfs {
@@ -89,13 +90,22 @@ std::string path_problem(char const* path) {
 
 }  // namespace
 
-int cmd_props(int argc, char** argv) {
-  if (argc < 2 || argc > 3) {
-    std::fprintf(stderr, "usage: qbfs props FILE [PATH]\n");
-    return 2;
-  }
-  char const* file = argv[1];
-  char const* path = argc == 3 ? argv[2] : nullptr;
+int cmd_props(Options const& /*options*/, int argc, char** argv) {
+  static constexpr char kCommand[] = "qbfs props";
+  static constexpr char kHelp[] =
+      "usage: qbfs props FILE [PATH]\n"
+      "\n"
+      "Loads a property tree from the XML file FILE (a regular file of at most\n"
+      "64 MiB), prints it back, and with PATH prints what the path query finds\n"
+      "(for example 'volume/size' or 'files/file[2]/name').\n"
+      "\n"
+      "Exit status: 0, 1 when the file cannot be read or loaded, 2 on bad usage.\n";
+  Arguments args;
+  if (int const rc = parse_arguments(argc, argv, kCommand, {}, args); rc != 0) return rc;
+  if (args.help) return std::fputs(kHelp, stdout), 0;
+  if (args.operands.empty() || args.operands.size() > 2) return usage_error(kCommand, "takes FILE and at most one PATH");
+  char const* file = args.operands[0].c_str();
+  char const* path = args.operands.size() == 2 ? args.operands[1].c_str() : nullptr;
   // What is echoed (the arguments, the loader's words, which may quote the
   // file) is escaped for the terminal; the tree's XML is the output itself.
   auto shown = [](std::string_view text) { return archive::terminal_text(text); };

@@ -11,8 +11,8 @@
 #include <qbhost/zprintf.h>
 
 #include "archive/archive_terminal_text.h"
+#include "arguments.h"
 #include "commands.h"
-#include "dle_dump.h"
 #include "layer_session.h"
 #include "status_text.h"
 #include "stdout_lines.h"
@@ -37,15 +37,22 @@ void print_brief(_Q_HEADER const& list, int depth) {
 }  // namespace
 
 int cmd_tree(Options const& options, int argc, char** argv) {
-  bool brief = false;
-  for (int i = 1; i < argc; ++i) {
-    if (std::strcmp(argv[i], "--brief") == 0) {
-      brief = true;
-    } else {
-      std::fprintf(stderr, "qbfs tree: unknown argument %s\n", archive::terminal_text(argv[i]).c_str());
-      return 2;
-    }
-  }
+  static constexpr char kCommand[] = "qbfs tree";
+  static constexpr char kHelp[] =
+      "usage: qbfs tree [--brief]\n"
+      "\n"
+      "Starts the layer with the modules, builds this machine's tree of backup\n"
+      "elements (DLEs) and prints it: the layer's own dump, or with --brief one\n"
+      "indented line per element (its name, file system, type and subtype).\n"
+      "The names it prints are the names 'qbfs backup' takes.\n"
+      "\n"
+      "Exit status: 0, 1 when no element was found or the tree is incomplete.\n";
+  Arguments args;
+  if (int const rc = parse_arguments(argc, argv, kCommand, {{nullptr, "--brief", false}}, args); rc != 0)
+    return rc;
+  if (args.help) return std::fputs(kHelp, stdout), 0;
+  if (!args.operands.empty()) return usage_error(kCommand, "unknown argument " + args.operands.front());
+  bool const brief = args.has("--brief");
   LayerSession session(options);
   if (!session.usable()) {
     std::fprintf(stderr, "qbfs tree: the layer did not start: %s\n",
@@ -72,7 +79,7 @@ int cmd_tree(Options const& options, int argc, char** argv) {
     // The layer's own dump, without the elements' addresses, which mean
     // nothing to a person.
     StdoutLines to_stdout(StdoutLines::without_addresses);
-    fsys::dump_dle_tree(head, L"DLE Tree");
+    DLE_PrintTree(head, L"DLE Tree");
   }
   FS_DeinitDleList(head);
   return status == FS_SUCCESS ? 0 : 1;

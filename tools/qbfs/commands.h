@@ -2,6 +2,7 @@
 // follow the global options, argv[0] being the sub-command's name, and
 // returns the process exit code.
 #pragma once
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -25,9 +26,27 @@ int cmd_validate(Options const& options, int argc, char** argv);
 int cmd_backup(Options const& options, int argc, char** argv);
 int cmd_restore(Options const& options, int argc, char** argv);
 int cmd_verify(Options const& options, int argc, char** argv);
-int cmd_ls(int argc, char** argv);
-// These two need no started layer.
-int cmd_match(int argc, char** argv);
-int cmd_props(int argc, char** argv);
+int cmd_ls(Options const& options, int argc, char** argv);
+// These need no started layer.
+int cmd_match(Options const& options, int argc, char** argv);
+int cmd_props(Options const& options, int argc, char** argv);
+int cmd_version(Options const& options, int argc, char** argv);
+
+// One sub-command: its name, whether it starts the layer (the modules are
+// checked before it runs), the function that runs it, and its entry in the
+// tool's help. Every command answers --help with its own usage.
+struct Command {
+  char const* name;
+  bool starts_layer;
+  int (*run)(Options const& options, int argc, char** argv);
+  char const* synopsis;  // "backup SRC... -o ARCHIVE"
+  char const* summary;   // what it does, lines of at most 50 characters
+};
+
+// Every sub-command, in the order the help lists them (commands.cpp).
+extern Command const kCommands[];
+extern std::size_t const kCommandCount;
+// The command named `name`, or null.
+Command const* find_command(std::string const& name);
 
 }  // namespace qbfs

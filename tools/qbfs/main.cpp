@@ -3,6 +3,7 @@
 // modules, runs one sub-command and shuts the layer down.
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -10,7 +11,6 @@
 #include <vector>
 
 #include <qbclass/debug_print_keep_alive.h>
-#include <qbfsys/buildinfo.h>
 #include <qbhost/strings.h>
 #include <qbhost/zprintf.h>
 
@@ -24,38 +24,14 @@ namespace {
 // Arguments and the loader's reasons are printed escaped for the terminal.
 std::string shown(std::string const& text) { return qbfs::archive::terminal_text(text); }
 
-constexpr char kUsage[] =
+constexpr char kUsageHead[] =
     "usage: qbfs [options] <command> [arguments]\n"
     "\n"
     "Runs the backup agent's file-system layer from the command line.\n"
+    "Each command answers --help with its own usage.\n"
     "\n"
-    "Commands:\n"
-    "  backup SRC... -o ARCHIVE\n"
-    "                     back up directories into an archive ('-' for\n"
-    "                     standard output) (backup --help)\n"
-    "  restore ARCHIVE -C DIR [PATH...]\n"
-    "                     restore an archive, or some paths of it, into DIR\n"
-    "  verify ARCHIVE [--against DIR]\n"
-    "                     check an archive's checksums, and compare it with\n"
-    "                     the directory it came from or was restored to\n"
-    "  ls [-l] ARCHIVE    list the objects of an archive\n"
-    "  tree [--brief]     build this machine's tree of backup elements (DLEs)\n"
-    "                     and print it\n"
-    "  attach PATH        attach to the element that holds a local path,\n"
-    "                     report the result and detach\n"
-    "  modules            load the modules and show which file system serves\n"
-    "                     each of the 51 indices\n"
-    "  match [-i] [--partial] [--segment | --flags N] SPEC NAME...\n"
-    "                     (N: the raw flag word, 0 to 15)\n"
-    "                     print 0, 1 or 2 per name: how the file-specification\n"
-    "                     matcher answers (no match, match, name too short)\n"
-    "  props FILE [PATH]  load a property tree from an XML file (a regular\n"
-    "                     file of at most 64 MiB), print it back and answer\n"
-    "                     a path query\n"
-    "  validate [--json] [--seed N] [--write DIR] ... MODULE.so\n"
-    "                     check a module against what the layer expects of it,\n"
-    "                     each check in a child process (validate --help)\n"
-    "  version            show what was built\n"
+    "Commands:\n";
+constexpr char kUsageOptions[] =
     "\n"
     "Options:\n"
     "  -m, --module FILE  load this module (repeatable); replaces the default\n"
@@ -72,6 +48,24 @@ constexpr char kUsage[] =
     "\n"
     "Exit status: 0 on success, 1 when the command failed, 2 on bad usage.\n"
     "Errors go to standard error.\n";
+
+// The tool's help: the commands come from the command table.
+void print_usage(std::FILE* out) {
+  constexpr int kSummaryColumn = 21;
+  std::fputs(kUsageHead, out);
+  for (std::size_t c = 0; c < qbfs::kCommandCount; ++c) {
+    qbfs::Command const& command = qbfs::kCommands[c];
+    std::fprintf(out, "  %s\n", command.synopsis);
+    std::string const summary = command.summary;
+    std::size_t at = 0;
+    while (at <= summary.size()) {
+      std::size_t const end = std::min(summary.find('\n', at), summary.size());
+      std::fprintf(out, "%*s%s\n", kSummaryColumn, "", summary.substr(at, end - at).c_str());
+      at = end + 1;
+    }
+  }
+  std::fputs(kUsageOptions, out);
+}
 
 std::wstring widen(char const* text) { return wcstring::from_utf8(text, std::strlen(text)); }
 
@@ -126,14 +120,6 @@ int check_root(char const* root) {
   return 0;
 }
 
-int version() {
-  std::printf("qbfs %s (layer interface %u)\ncompiler: %s\nbuild: %s\nrevision: %s\n",
-              buildinfo.version, buildinfo.interface_version, buildinfo.compiler,
-              buildinfo.build_type, buildinfo.source_revision);
-  if (buildinfo.sanitizers[0] != '\0') std::printf("sanitizers: %s\n", buildinfo.sanitizers);
-  return 0;
-}
-
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -152,7 +138,7 @@ int main(int argc, char** argv) {
       return argv[++i];
     };
     if (a == "-h" || a == "--help") {
-      std::fputs(kUsage, stdout);
+      print_usage(stdout);
       return 0;
     } else if (a == "-m" || a == "--module") {
       char const* v = value("--module");
@@ -178,12 +164,13 @@ int main(int argc, char** argv) {
     } else if (a == "-t" || a == "--trace") {
       options.trace = true;
     } else {
-      std::fprintf(stderr, "qbfs: unknown option %s\n\n%s", shown(argv[i]).c_str(), kUsage);
+      std::fprintf(stderr, "qbfs: unknown option %s\n\n", shown(argv[i]).c_str());
+      print_usage(stderr);
       return 2;
     }
   }
   if (i >= argc) {
-    std::fputs(kUsage, stderr);
+    print_usage(stderr);
     return 2;
   }
   if (no_modules && !named_modules.empty()) {
@@ -196,23 +183,13 @@ int main(int argc, char** argv) {
     if (keep && keep->factory()) keep->factory()->enable("", true);
   }
 
-  std::string command = argv[i];
-  int sub_argc = argc - i;
-  char** sub_argv = argv + i;
-  bool const starts_layer = command == "tree" || command == "attach" || command == "modules" ||
-                            command == "backup" || command == "restore" || command == "verify";
-  if (starts_layer && !prepare_modules(options, named_modules, explicit_modules)) return 1;
-  if (command == "tree") return qbfs::cmd_tree(options, sub_argc, sub_argv);
-  if (command == "attach") return qbfs::cmd_attach(options, sub_argc, sub_argv);
-  if (command == "modules") return qbfs::cmd_modules(options, sub_argc, sub_argv);
-  if (command == "backup") return qbfs::cmd_backup(options, sub_argc, sub_argv);
-  if (command == "restore") return qbfs::cmd_restore(options, sub_argc, sub_argv);
-  if (command == "verify") return qbfs::cmd_verify(options, sub_argc, sub_argv);
-  if (command == "ls") return qbfs::cmd_ls(sub_argc, sub_argv);
-  if (command == "match") return qbfs::cmd_match(sub_argc, sub_argv);
-  if (command == "props") return qbfs::cmd_props(sub_argc, sub_argv);
-  if (command == "validate") return qbfs::cmd_validate(options, sub_argc, sub_argv);
-  if (command == "version") return version();
-  std::fprintf(stderr, "qbfs: unknown command '%s'\n\n%s", shown(command).c_str(), kUsage);
-  return 2;
+  std::string const name = argv[i];
+  qbfs::Command const* command = qbfs::find_command(name);
+  if (command == nullptr) {
+    std::fprintf(stderr, "qbfs: unknown command '%s'\n\n", shown(name).c_str());
+    print_usage(stderr);
+    return 2;
+  }
+  if (command->starts_layer && !prepare_modules(options, named_modules, explicit_modules)) return 1;
+  return command->run(options, argc - i, argv + i);
 }

@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <fstream>
 #include <string>
+#include <vector>
 #include <sys/stat.h>
 
 #include <gtest/gtest.h>
@@ -27,6 +28,31 @@ TEST(QbfsTool, HelpAndBadUsage) {
   EXPECT_EQ(qbfs("no-such-command").status, 2);
   EXPECT_EQ(qbfs("--no-such-option tree").status, 2);
   EXPECT_EQ(qbfs("attach").status, 2);
+}
+
+// Every command the tool's help lists answers --help with its own usage on
+// standard output, and -h the same, whether or not it starts the layer.
+TEST(QbfsTool, EveryListedCommandAnswersHelp) {
+  std::string const help = qbfs("--help").out;
+  std::size_t const list = help.find("Commands:\n");
+  ASSERT_NE(list, std::string::npos);
+  std::vector<std::string> commands;
+  std::size_t at = list + 10;
+  while (at < help.size() && help.compare(at, 2, "  ") == 0 && help[at + 2] != ' ') {
+    std::size_t const end = help.find_first_of(" \n", at + 2);
+    commands.push_back(help.substr(at + 2, end - at - 2));
+    while (at < help.size() && help.compare(at, 3, "   ") != 0 && help[at] != '\n') at = help.find('\n', at) + 1;
+    while (at < help.size() && help.compare(at, 3, "   ") == 0) at = help.find('\n', at) + 1;
+  }
+  EXPECT_GE(commands.size(), 11u) << help;
+  for (std::string const& command : commands) {
+    for (char const* flag : {"--help", "-h"}) {
+      ToolRun run = qbfs(command + " " + flag);
+      EXPECT_EQ(run.status, 0) << command << " " << flag << ": " << run.err;
+      EXPECT_TRUE(has(run.out, "usage: qbfs " + command)) << command << ": " << run.out;
+      EXPECT_EQ(run.err, "") << command;
+    }
+  }
 }
 
 TEST(QbfsTool, MatchPrintsWhatTheMatcherReturns) {
@@ -142,7 +168,7 @@ INSTANTIATE_TEST_SUITE_P(
 INSTANTIATE_TEST_SUITE_P(
     Match, Refusal,
     ::testing::Values(refusal_case{"flags not a number", "match --flags abc '*' a", 2, "not 'abc'"},
-                      refusal_case{"flags empty", "match --flags '' '*' a", 2, "not ''"},
+                      refusal_case{"flags empty", "match --flags '' '*' a", 2, "--flags needs a value"},
                       refusal_case{"flags beyond the bits", "match --flags 16 '*' a", 2,
                                    "from 0 to 15"},
                       refusal_case{"segment and flags", "match --segment --flags 4 '*' a", 2,

@@ -27,16 +27,16 @@
 #include <vector>
 
 #include <qbfsys/qbfsys.h>
+#include <qbposix/posix_os_info.h>
 
 #include "../commands.h"
-#include "arguments.h"
+#include "../arguments.h"
 #include "archive_names.h"
 #include "archive_terminal_text.h"
 #include "archive_writer.h"
 #include "console.h"
 #include "input.h"
 #include "layer_objects.h"
-#include "posix_streams.h"
 
 namespace qbfs {
 namespace {
@@ -91,10 +91,9 @@ class BackupJob {
     link_prefix_ = narrow(base) + "/";
     Components path{base};
     DBLK root{};
-    if (hand->funcTable->GetCurrentDDB != nullptr &&
-        hand->funcTable->GetCurrentDDB(hand, &root) == FS_SUCCESS) {
+    if (FS_HandGetCurrentDDB(hand, &root) == FS_SUCCESS) {
       save(&root, path, false);
-      hand->funcTable->ReleaseBlk(hand, &root);
+      FS_HandReleaseBlk(hand, &root);
     } else {
       ObjectRecord record{};
       record.blk_type = DBLK_KIND_DDB;
@@ -110,18 +109,17 @@ class BackupJob {
 
  private:
   void walk(Components& path) {
-    _FUNC_LIST const& t = *hand_->funcTable;
     DBLK blk{};
-    FS_STATUS s = t.FindFirstObj(hand_, &blk, const_cast<wchar_t*>(L"*"), 0);
-    for (; s == FS_SUCCESS && out_.error().empty(); s = t.FindNextObj(hand_, &blk)) {
+    FS_STATUS s = FS_HandFindFirstObj(hand_, &blk, const_cast<wchar_t*>(L"*"), 0);
+    for (; s == FS_SUCCESS && out_.error().empty(); s = FS_HandFindNextObj(hand_, &blk)) {
       path.push_back(object_name(hand_, &blk));
       if (!excluded(&blk, path)) {
         save(&blk, path);
         if (blk.blk_type == DBLK_KIND_DDB) {
-          FS_STATUS const entered = t.ChangeIntoDDB(hand_, &blk);
+          FS_STATUS const entered = FS_HandChangeIntoDDB(hand_, &blk);
           if (entered == FS_SUCCESS) {
             walk(path);
-            t.ChangeDirUp(hand_);
+            FS_HandChangeDirUp(hand_);
           } else if (entered != FS_STATUS_NONE) {
             fail(path, failure_text(hand_, entered));
           }
@@ -130,8 +128,8 @@ class BackupJob {
       path.pop_back();
     }
     if (s != FS_SUCCESS && s != FS_STATUS_NONE) fail(path, failure_text(hand_, s));
-    t.FindObjClose(hand_, &blk);
-    t.ReleaseBlk(hand_, &blk);
+    FS_HandFindObjClose(hand_, &blk);
+    FS_HandReleaseBlk(hand_, &blk);
   }
 
   bool excluded(DBLK* blk, Components const& path) {

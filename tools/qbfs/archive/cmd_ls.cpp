@@ -16,7 +16,7 @@
 #include "archive_names.h"
 #include "archive_reader.h"
 #include "archive_terminal_text.h"
-#include "arguments.h"
+#include "../arguments.h"
 #include "posix_view.h"
 
 namespace qbfs {
@@ -61,7 +61,7 @@ std::string long_line(ObjectEntry const& entry, std::string const& symlink, std:
 
 }  // namespace
 
-int cmd_ls(int argc, char** argv) {
+int cmd_ls(Options const& /*options*/, int argc, char** argv) {
   Arguments args;
   if (int const rc = parse_arguments(argc, argv, kCommand, {{"-l", "--long", false}}, args)) return rc;
   if (args.help) {

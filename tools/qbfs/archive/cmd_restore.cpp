@@ -36,7 +36,7 @@
 #include "input.h"
 #include "archive_names.h"
 #include "archive_reader.h"
-#include "arguments.h"
+#include "../arguments.h"
 #include "console.h"
 #include "layer_objects.h"
 #include "restore_policy.h"
@@ -85,7 +85,7 @@ class RestoreJob {
  public:
   RestoreJob(FSYS_HAND_STRUCT* hand, Console& console, bool verbose, std::vector<Components> selection,
              RestorePolicy const& policy)
-      : hand_(hand), t_(*hand->funcTable), console_(console), verbose_(verbose), selection_(std::move(selection)),
+      : hand_(hand), console_(console), verbose_(verbose), selection_(std::move(selection)),
         policy_(policy) {}
 
   void run(ArchiveReader& reader) {
@@ -141,7 +141,7 @@ class RestoreJob {
     blk_ = DBLK{};
     FS_STATUS status = make_block(hand_, entry.record, entry.components.back(), info_, &blk_);
     made_ = status == FS_SUCCESS;
-    if (status == FS_SUCCESS) status = t_.CreateObj(hand_, &blk_, nullptr, RESTORE_OVERWRITE);
+    if (status == FS_SUCCESS) status = FS_HandCreateObj(hand_, &blk_, nullptr, RESTORE_OVERWRITE);
     if (status == FS_SUCCESS) status = FS_OpenObj(hand_, &obj_, &blk_, FS_WRITE);
     opened_ = status == FS_SUCCESS;
     if (!opened_) {
@@ -192,14 +192,13 @@ class RestoreJob {
       if (verbose_) console_.message("restored " + path());
     }
     bool const keep = e.verdict == Verdict::intact && error_.empty();
-    if (made_ && !keep && !directory && t_.DeleteObj != nullptr) t_.DeleteObj(hand_, &blk_);
-    if (made_) t_.ReleaseBlk(hand_, &blk_);
+    if (made_ && !keep && !directory) FS_HandDeleteObj(hand_, &blk_);
+    if (made_) FS_HandReleaseBlk(hand_, &blk_);
     made_ = false;
     console_.progress(restored_, bytes_);
   }
 
   FSYS_HAND_STRUCT* hand_;
-  _FUNC_LIST const& t_;
   Console& console_;
   bool verbose_;
   std::vector<Components> selection_;

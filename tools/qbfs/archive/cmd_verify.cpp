@@ -26,7 +26,7 @@
 #include "input.h"
 #include "archive_names.h"
 #include "archive_reader.h"
-#include "arguments.h"
+#include "../arguments.h"
 #include "console.h"
 #include "layer_objects.h"
 #include "posix_view.h"
@@ -81,7 +81,7 @@ struct Found {
 
 class Comparer {
  public:
-  Comparer(FSYS_HAND_STRUCT* hand) : hand_(hand), t_(*hand->funcTable), buffer_(kReadBuffer) {}
+  Comparer(FSYS_HAND_STRUCT* hand) : hand_(hand), buffer_(kReadBuffer) {}
   Found look_up(Components const& path) {
     Found found;
     Components const parent(path.begin(), path.end() - 1);
@@ -89,12 +89,12 @@ class Comparer {
     if (!cursor_.go_to(parent, false, why)) return found;
     std::wstring pattern = path.back();
     DBLK blk{};
-    FS_STATUS s = t_.FindFirstObj(hand_, &blk, &pattern[0], 0);
-    for (; s == FS_SUCCESS; s = t_.FindNextObj(hand_, &blk))
+    FS_STATUS s = FS_HandFindFirstObj(hand_, &blk, &pattern[0], 0);
+    for (; s == FS_SUCCESS; s = FS_HandFindNextObj(hand_, &blk))
       if (object_name(hand_, &blk) == path.back()) break;
     if (s == FS_SUCCESS) read(&blk, found);
-    t_.FindObjClose(hand_, &blk);
-    t_.ReleaseBlk(hand_, &blk);
+    FS_HandFindObjClose(hand_, &blk);
+    FS_HandReleaseBlk(hand_, &blk);
     return found;
   }
 
@@ -128,7 +128,6 @@ class Comparer {
   }
 
   FSYS_HAND_STRUCT* hand_;
-  _FUNC_LIST const& t_;
   std::vector<unsigned char> buffer_;
   HandleCursor cursor_{hand_};
 };

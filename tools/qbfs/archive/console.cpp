@@ -14,6 +14,7 @@ constexpr int kLayerLevel = 0;  // the level at which the layer's messages are s
 
 Console::Console(std::string command, bool quiet, bool layer_messages)
     : command_(std::move(command)),
+      quiet_(quiet),
       live_(!quiet && isatty(STDERR_FILENO) == 1),
       show_layer_(layer_messages),
       saved_threshold_(layer_lines_level()),
@@ -64,6 +65,9 @@ void Console::clear_line() {
 void Console::summary(std::uint64_t objects, std::uint64_t bytes, std::string const& rest,
                       std::FILE* out) {
   clear_line();
+  // Quiet leaves only errors on standard error; a summary asked for on
+  // standard output is the command's result and stays.
+  if (quiet_ && out == stderr) return;
   double const seconds = elapsed();
   std::fprintf(out, "%s: %s objects, %s in %.1f s (%s/s)%s%s\n", command_.c_str(),
                grouped(objects).c_str(), human_bytes(static_cast<double>(bytes)).c_str(), seconds,

@@ -31,6 +31,8 @@ class Console {
   void progress(std::uint64_t objects, std::uint64_t bytes, bool force = false);
   // Clears the progress line and prints the summary (to `out`), e.g.
   // "qbfs backup: 1,234 objects, 56.7 MB in 1.2 s (47.2 MB/s); 3 excluded".
+  // A quiet console prints no summary on standard error: quiet leaves only
+  // the errors there.
   void summary(std::uint64_t objects, std::uint64_t bytes, std::string const& rest, std::FILE* out);
   // How many layer messages arrived so far.
   unsigned layer_messages() const { return layer_messages_; }
@@ -41,6 +43,7 @@ class Console {
   void clear_line();
 
   std::string command_;
+  bool quiet_;
   bool live_;         // a progress line may be on screen
   bool show_layer_;
   bool drawn_ = false;

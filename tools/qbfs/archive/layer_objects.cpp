@@ -79,12 +79,10 @@ FSYS_HAND_STRUCT* RootSession::attach(std::size_t i, std::string& why) {
 }
 
 std::wstring object_name(FSYS_HAND_STRUCT* hand, DBLK* blk) {
-  _FUNC_LIST const& t = *hand->funcTable;
-  if (t.SizeofOSName == nullptr || t.GetOSName == nullptr) return {};
-  FS_STATUS const size = t.SizeofOSName(hand, blk, false);
-  if (size == 0 || size > 0x100000) return {};
+  std::int32_t const size = FS_HandSizeofOSName(hand, blk, false);
+  if (size <= 0) return {};
   std::vector<wchar_t> name(size / sizeof(wchar_t) + 1, L'\0');
-  if (t.GetOSName(hand, blk, name.data(), false) != FS_SUCCESS) return {};
+  if (FS_HandGetOSName(hand, blk, name.data(), false) != FS_SUCCESS) return {};
   return std::wstring(name.data());
 }
 
@@ -127,15 +125,14 @@ FS_STATUS make_plain_directory(FSYS_HAND_STRUCT* hand, std::wstring const& name,
 namespace qbfs::archive {
 
 HandleCursor::~HandleCursor() {
-  for (; !current_.empty(); current_.pop_back()) hand_->funcTable->ChangeDirUp(hand_);
+  for (; !current_.empty(); current_.pop_back()) FS_HandChangeDirUp(hand_);
 }
 
 bool HandleCursor::go_to(Components const& dir, bool create, std::string& why,
                          std::function<void(Components const&)> const& created) {
-  _FUNC_LIST const& t = *hand_->funcTable;
   std::size_t common = 0;
   while (common < current_.size() && common < dir.size() && current_[common] == dir[common]) ++common;
-  for (; current_.size() > common; current_.pop_back()) t.ChangeDirUp(hand_);
+  for (; current_.size() > common; current_.pop_back()) FS_HandChangeDirUp(hand_);
   for (std::size_t k = common; k < dir.size(); ++k) {
     DBLK block{};
     FS_STATUS status = make_plain_directory(hand_, dir[k], &block);
@@ -143,13 +140,13 @@ bool HandleCursor::go_to(Components const& dir, bool create, std::string& why,
       why = "its directory cannot be described: " + failure_text(hand_, status);
       return false;
     }
-    status = t.ChangeIntoDDB(hand_, &block);
+    status = FS_HandChangeIntoDDB(hand_, &block);
     if (status != FS_SUCCESS && create) {
-      status = t.CreateObj(hand_, &block, nullptr, RESTORE_OVERWRITE);
-      if (status == FS_SUCCESS) status = t.ChangeIntoDDB(hand_, &block);
+      status = FS_HandCreateObj(hand_, &block, nullptr, RESTORE_OVERWRITE);
+      if (status == FS_SUCCESS) status = FS_HandChangeIntoDDB(hand_, &block);
       if (status == FS_SUCCESS && created) created(Components(dir.begin(), dir.begin() + k + 1));
     }
-    t.ReleaseBlk(hand_, &block);
+    FS_HandReleaseBlk(hand_, &block);
     if (status != FS_SUCCESS) {
       why = "its directory cannot be entered: " + failure_text(hand_, status);
       return false;

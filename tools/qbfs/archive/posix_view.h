@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "archive_format.h"
-#include "posix_streams.h"
+#include <qbposix/posix_os_info.h>
 
 namespace qbfs::archive {
 

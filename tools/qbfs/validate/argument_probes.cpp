@@ -29,7 +29,7 @@ std::string expect_known(char const* what, FS_STATUS status) {
 std::string probe_path_no_room(FSYS_HAND_STRUCT* hand, std::uint64_t) {
   wchar_t canary[2] = {L'\x7f', L'\x7f'};
   short size = 0;
-  FS_STATUS const status = job::current_path(hand, canary, &size);
+  FS_STATUS const status = FS_HandGetCurrentPath(hand, canary, &size);
   if (status == FS_ERR_UNIMPLEMENTED) return {};
   if (status != FS_ERR_OBJ_NO_DATA || size <= 0)
     return "GetCurrentPath with 0 bytes of room returned " + status_text(status) + " and size " +
@@ -40,9 +40,9 @@ std::string probe_path_no_room(FSYS_HAND_STRUCT* hand, std::uint64_t) {
 
 std::string probe_find_all(FSYS_HAND_STRUCT* hand, std::uint64_t) {
   auto blk = std::make_unique<DBLK>();
-  FS_STATUS const status = job::find_first(hand, blk.get(), nullptr);
-  job::find_close(hand, blk.get());
-  job::release_blk(hand, blk.get());
+  FS_STATUS const status = FS_HandFindFirstObj(hand, blk.get(), nullptr, 0);
+  FS_HandFindObjClose(hand, blk.get());
+  FS_HandReleaseBlk(hand, blk.get());
   if (status != FS_SUCCESS && status != FS_STATUS_NONE && status != FS_STATUS_EXT_ERROR)
     return "FindFirstObj with a null specification (every object) returned " + status_text(status) +
            "; expected 0x00000000 or FS_STATUS_NONE";
@@ -52,9 +52,9 @@ std::string probe_find_all(FSYS_HAND_STRUCT* hand, std::uint64_t) {
 std::string probe_find_nothing(FSYS_HAND_STRUCT* hand, std::uint64_t seed) {
   auto blk = std::make_unique<DBLK>();
   std::wstring spec = L"qbfs-validate-no-such-object-" + std::to_wstring(seed);
-  FS_STATUS const status = job::find_first(hand, blk.get(), spec.data());
-  job::find_close(hand, blk.get());
-  job::release_blk(hand, blk.get());
+  FS_STATUS const status = FS_HandFindFirstObj(hand, blk.get(), spec.data(), 0);
+  FS_HandFindObjClose(hand, blk.get());
+  FS_HandReleaseBlk(hand, blk.get());
   if (status == FS_SUCCESS)
     return "FindFirstObj with a specification that matches nothing delivered an object; "
            "expected FS_STATUS_NONE";
@@ -63,24 +63,24 @@ std::string probe_find_nothing(FSYS_HAND_STRUCT* hand, std::uint64_t seed) {
 
 std::string probe_next_past_end(FSYS_HAND_STRUCT* hand, std::uint64_t) {
   auto blk = std::make_unique<DBLK>();
-  FS_STATUS status = job::find_first(hand, blk.get(), nullptr);
+  FS_STATUS status = FS_HandFindFirstObj(hand, blk.get(), nullptr, 0);
   for (unsigned n = 0; n < kDefaultMaxObjects * kDefaultMaxObjects && status == FS_SUCCESS; ++n)
-    status = job::find_next(hand, blk.get());
+    status = FS_HandFindNextObj(hand, blk.get());
   std::string problem;
   if (status == FS_STATUS_NONE) {
-    FS_STATUS const again = job::find_next(hand, blk.get());
+    FS_STATUS const again = FS_HandFindNextObj(hand, blk.get());
     if (again == FS_SUCCESS)
       problem = "FindNextObj after the end delivered an object; expected FS_STATUS_NONE again";
     else
       problem = expect_known("FindNextObj after the end", again);
   }
-  job::find_close(hand, blk.get());
-  job::release_blk(hand, blk.get());
+  FS_HandFindObjClose(hand, blk.get());
+  FS_HandReleaseBlk(hand, blk.get());
   return problem;
 }
 
 std::string probe_up_at_root(FSYS_HAND_STRUCT* hand, std::uint64_t) {
-  FS_STATUS const status = job::change_up(hand);
+  FS_STATUS const status = FS_HandChangeDirUp(hand);
   if (status == FS_ERR_UNIMPLEMENTED) return {};
   if (status == FS_SUCCESS) return "ChangeDirUp at the attached root returned 0x00000000; expected an error";
   return expect_known("ChangeDirUp at the root", status);
@@ -91,14 +91,14 @@ std::string probe_change_to_missing(FSYS_HAND_STRUCT* hand, std::uint64_t seed) 
   std::wstring path = L"qbfs-validate-no-such-directory-" + std::to_wstring(seed);
   path.push_back(L'\0');
   auto const bytes = static_cast<short>(path.size() * sizeof(wchar_t));
-  FS_STATUS const status = job::change_dir(hand, path.data(), bytes);
+  FS_STATUS const status = FS_HandChangeDir(hand, path.data(), bytes);
   if (status == FS_ERR_UNIMPLEMENTED) return {};
   if (status == FS_SUCCESS)
     return "ChangeDir to a directory that does not exist returned 0x00000000; expected an error";
   std::string const problem = expect_known("ChangeDir to a missing directory", status);
   // Back to the root for the probes that follow.
   wchar_t root[2] = {L'\0', L'\0'};
-  job::change_dir(hand, root, static_cast<short>(sizeof(wchar_t)));
+  FS_HandChangeDir(hand, root, static_cast<short>(sizeof(wchar_t)));
   return problem;
 }
 

@@ -11,6 +11,7 @@
 #include <cstring>
 #include <string>
 
+#include "../arguments.h"
 #include "../commands.h"
 #include "isolated_check.h"
 #include "layer_checks.h"
@@ -32,7 +33,7 @@ constexpr int kExitUsage = 2;
 constexpr int kHelpShown = -1;
 
 constexpr char kValidateUsage[] =
-    "usage: qbfs [--root DIR]... validate [options] MODULE.so\n"
+    "usage: qbfs validate [options] MODULE.so\n"
     "  --json             write the report as one JSON object\n"
     "  --seed N           seed of the read sizes (default: from the clock; printed)\n"
     "  --root DIR         offer DIR to the module as a backup root (repeatable)\n"
@@ -87,56 +88,63 @@ int parse(Options const& global, int argc, char** argv, ValidateOptions& options
   options.drive_scan = global.drive_scan;
   options.seed = static_cast<std::uint64_t>(
       std::chrono::steady_clock::now().time_since_epoch().count());
-  for (int i = 1; i < argc; ++i) {
-    std::string const a = argv[i];
-    bool const has_value = i + 1 < argc;
+  Arguments args;
+  if (int const rc = parse_arguments(argc, argv, "qbfs validate",
+                                     {{nullptr, "--json", false},
+                                      {nullptr, "--seed", true},
+                                      {nullptr, "--root", true},
+                                      {nullptr, "--write", true},
+                                      {nullptr, "--timeout", true},
+                                      {nullptr, "--cycles", true},
+                                      {nullptr, "--max-objects", true},
+                                      {nullptr, "--max-elements", true}},
+                                     args);
+      rc != 0)
+    return kExitUsage;
+  if (args.help) {
+    std::fputs(kValidateUsage, stdout);
+    return kHelpShown;
+  }
+  for (auto const& [a, value] : args.options) {
     if (a == "--json") {
       options.json = true;
-    } else if (a == "-h" || a == "--help") {
-      std::fputs(kValidateUsage, stdout);
-      return kHelpShown;
-    } else if ((a == "--seed") && has_value) {
+    } else if (a == "--seed") {
       char* end = nullptr;
-      options.seed = std::strtoull(argv[++i], &end, 10);
-      if (*end != '\0' || argv[i][0] == '-' || argv[i][0] == '\0') {
-        std::fprintf(stderr, "qbfs validate: --seed needs a number, not '%s'\n", argv[i]);
+      options.seed = std::strtoull(value.c_str(), &end, 10);
+      if (*end != '\0' || value[0] == '-') {
+        std::fprintf(stderr, "qbfs validate: --seed needs a number, not '%s'\n", value.c_str());
         return kExitUsage;
       }
-    } else if (a == "--root" && has_value) {
-      if (!is_directory(argv[++i])) {
-        std::fprintf(stderr, "qbfs validate: --root %s is not a directory\n", argv[i]);
+    } else if (a == "--root") {
+      if (!is_directory(value.c_str())) {
+        std::fprintf(stderr, "qbfs validate: --root %s is not a directory\n", value.c_str());
         return kExitUsage;
       }
-      options.roots.push_back(validate::wide(argv[i]));
-    } else if (a == "--write" && has_value) {
-      options.write_dir = argv[++i];
-      if (!is_directory(argv[i])) {
-        std::fprintf(stderr, "qbfs validate: --write %s is not a directory\n", argv[i]);
+      options.roots.push_back(validate::wide(value));
+    } else if (a == "--write") {
+      options.write_dir = value;
+      if (!is_directory(value.c_str())) {
+        std::fprintf(stderr, "qbfs validate: --write %s is not a directory\n", value.c_str());
         return kExitUsage;
       }
-    } else if ((a == "--timeout" || a == "--cycles" || a == "--max-objects" ||
-                a == "--max-elements") && has_value) {
+    } else {
       unsigned& target = a == "--timeout"       ? options.timeout_seconds
                          : a == "--cycles"      ? options.attach_cycles
                          : a == "--max-objects" ? options.max_objects
                                                 : options.max_elements;
-      if (!parse_count(argv[++i], target)) {
+      if (!parse_count(value.c_str(), target)) {
         std::fprintf(stderr, "qbfs validate: %s needs a whole number from 1 to 1000000, not '%s'\n",
-                     a.c_str(), argv[i]);
+                     a.c_str(), value.c_str());
         return kExitUsage;
       }
-    } else if (a[0] == '-') {
-      std::fprintf(stderr, "qbfs validate: unknown option or missing value: %s\n\n%s", a.c_str(),
-                   kValidateUsage);
-      return kExitUsage;
-    } else if (options.module.empty()) {
-      options.module = a;
-    } else {
-      std::fprintf(stderr, "qbfs validate: one module at a time (got '%s' and '%s')\n",
-                   options.module.c_str(), a.c_str());
-      return kExitUsage;
     }
   }
+  if (args.operands.size() > 1) {
+    std::fprintf(stderr, "qbfs validate: one module at a time (got '%s' and '%s')\n",
+                 args.operands[0].c_str(), args.operands[1].c_str());
+    return kExitUsage;
+  }
+  if (!args.operands.empty()) options.module = args.operands[0];
   if (options.module.empty()) {
     std::fputs(kValidateUsage, stderr);
     return kExitUsage;

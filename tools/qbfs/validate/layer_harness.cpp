@@ -125,46 +125,11 @@ bool ready_to_walk(LayerHarness& harness, std::string& why_not) {
     why_not = "attaching fails (see attach-detach)";
     return false;
   }
-  bool const walks = job::can_walk(hand);
+  bool const walks = FS_HandCanWalk(hand);
   FS_DetachDLE(hand);
   if (!walks) why_not = "the module offers no walking slots (FindFirstObj, FindNextObj)";
   return walks;
 }
 
-namespace job {
-
-// The layer's dispatch for handle operations: the adapter when set, else the
-// table's slot, else "not offered".
-#define QBV_DISPATCH(slot, ...)                                              \
-  if (hand->adapter != nullptr) return hand->adapter->slot(__VA_ARGS__);     \
-  if (hand->funcTable != nullptr && hand->funcTable->slot != nullptr)        \
-    return hand->funcTable->slot(__VA_ARGS__);                               \
-  return FS_ERR_UNIMPLEMENTED
-
-bool can_walk(FSYS_HAND_STRUCT const* hand) {
-  return hand->adapter != nullptr ||
-         (hand->funcTable != nullptr && hand->funcTable->FindFirstObj != nullptr &&
-          hand->funcTable->FindNextObj != nullptr);
-}
-FS_STATUS find_first(FSYS_HAND_STRUCT* hand, DBLK* blk, wchar_t* spec) {
-  QBV_DISPATCH(FindFirstObj, hand, blk, spec, 0);
-}
-FS_STATUS find_next(FSYS_HAND_STRUCT* hand, DBLK* blk) { QBV_DISPATCH(FindNextObj, hand, blk); }
-FS_STATUS find_close(FSYS_HAND_STRUCT* hand, DBLK* blk) { QBV_DISPATCH(FindObjClose, hand, blk); }
-FS_STATUS change_into(FSYS_HAND_STRUCT* hand, DBLK* blk) { QBV_DISPATCH(ChangeIntoDDB, hand, blk); }
-FS_STATUS change_up(FSYS_HAND_STRUCT* hand) { QBV_DISPATCH(ChangeDirUp, hand); }
-FS_STATUS change_dir(FSYS_HAND_STRUCT* hand, wchar_t* path, short size) {
-  QBV_DISPATCH(ChangeDir, hand, path, size);
-}
-FS_STATUS current_path(FSYS_HAND_STRUCT* hand, wchar_t* path, short* size) {
-  QBV_DISPATCH(GetCurrentPath, hand, path, size);
-}
-FS_STATUS release_blk(FSYS_HAND_STRUCT* hand, DBLK* blk) { QBV_DISPATCH(ReleaseBlk, hand, blk); }
-FS_STATUS create_obj(FSYS_HAND_STRUCT* hand, DBLK* blk, RESTORE_SEMANTICS semantics) {
-  QBV_DISPATCH(CreateObj, hand, blk, nullptr, semantics);
-}
-#undef QBV_DISPATCH
-
-}  // namespace job
 
 }  // namespace qbfs::validate

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include <qbfsys/dle.h>
+#include <qbfsys/handle_ops.h>
 #include <qbfsys/handles.h>
 #include <qbhost/qb_cfg.h>
 
@@ -69,21 +70,5 @@ bool known_status(FS_STATUS status);
 std::string element_name(GENERIC_DLE const* dle);
 // The messages recorded as the handle's last error, joined by "; ".
 std::string last_error_text(FSYS_HAND_STRUCT const* hand);
-
-// The operations a walk or read makes on an attached handle, sent the way
-// the layer sends them: the handle's adapter when it has one, else its
-// table. Each returns FS_ERR_UNIMPLEMENTED when neither offers it.
-namespace job {
-bool can_walk(FSYS_HAND_STRUCT const* hand);
-FS_STATUS find_first(FSYS_HAND_STRUCT* hand, DBLK* blk, wchar_t* spec);
-FS_STATUS find_next(FSYS_HAND_STRUCT* hand, DBLK* blk);
-FS_STATUS find_close(FSYS_HAND_STRUCT* hand, DBLK* blk);
-FS_STATUS change_into(FSYS_HAND_STRUCT* hand, DBLK* blk);
-FS_STATUS change_up(FSYS_HAND_STRUCT* hand);
-FS_STATUS change_dir(FSYS_HAND_STRUCT* hand, wchar_t* path, short size);
-FS_STATUS current_path(FSYS_HAND_STRUCT* hand, wchar_t* path, short* size);
-FS_STATUS release_blk(FSYS_HAND_STRUCT* hand, DBLK* blk);
-FS_STATUS create_obj(FSYS_HAND_STRUCT* hand, DBLK* blk, RESTORE_SEMANTICS semantics);
-}  // namespace job
 
 }  // namespace qbfs::validate

@@ -62,7 +62,7 @@ std::string restore_one(FSYS_HAND_STRUCT* src, DBLK& blk, std::string const& pat
   FS_STATUS status = describe_again(src, &blk, dst, out.get(), name, info);
   if (status != FS_SUCCESS)
     return "describing '" + path + "' for the restore returned " + status_text(status);
-  status = job::create_obj(dst, out.get(), RESTORE_OVERWRITE);
+  status = FS_HandCreateObj(dst, out.get(), nullptr, RESTORE_OVERWRITE);
   if (status != FS_SUCCESS)
     return "CreateObj of '" + path + "' returned " + status_text(status) + "; expected 0x00000000" +
            (last_error_text(dst).empty() ? "" : " (last error: " + last_error_text(dst) + ")");
@@ -85,7 +85,7 @@ std::string restore_one(FSYS_HAND_STRUCT* src, DBLK& blk, std::string const& pat
   };
   read = read_object(src, blk, path, rng, &sink);
   FS_STATUS const closed = FS_CloseObj(obj, nullptr, nullptr);
-  job::release_blk(dst, out.get());
+  FS_HandReleaseBlk(dst, out.get());
   if (!read.problem.empty()) return read.problem;
   if (closed != FS_SUCCESS)
     return "FS_CloseObj of the restored '" + path + "' returned " + status_text(closed) +
@@ -129,7 +129,7 @@ CheckResult check_restore(ValidateOptions const& options) {
   // The files of the source's root directory, flat: a restore of a tree is
   // these steps repeated in each directory.
   auto blk = std::make_unique<DBLK>();
-  FS_STATUS status = job::find_first(from, blk.get(), nullptr);
+  FS_STATUS status = FS_HandFindFirstObj(from, blk.get(), nullptr, 0);
   for (unsigned n = 0; problem.empty() && status == FS_SUCCESS && n < options.max_objects; ++n) {
     std::string const name = block_name(*blk);
     if (blk->blk_type == DBLK_KIND_FDB && !name.empty()) {
@@ -137,10 +137,10 @@ CheckResult check_restore(ValidateOptions const& options) {
       problem = restore_one(from, *blk, name, to, rng, read);
       if (problem.empty() && !read.unreadable) written[name] = read.streams;
     }
-    if (problem.empty()) status = job::find_next(from, blk.get());
+    if (problem.empty()) status = FS_HandFindNextObj(from, blk.get());
   }
-  job::find_close(from, blk.get());
-  job::release_blk(from, blk.get());
+  FS_HandFindObjClose(from, blk.get());
+  FS_HandReleaseBlk(from, blk.get());
   // Read back what was restored and compare.
   std::size_t compared = 0;
   if (problem.empty()) {

@@ -18,7 +18,7 @@ constexpr short kPathRoomBytes = 8192;
 std::vector<wchar_t> current_path_of(FSYS_HAND_STRUCT* hand, FS_STATUS& status) {
   std::vector<wchar_t> path(static_cast<std::size_t>(kPathRoomBytes) / sizeof(wchar_t));
   short size = kPathRoomBytes;
-  status = job::current_path(hand, path.data(), &size);
+  status = FS_HandGetCurrentPath(hand, path.data(), &size);
   path.resize(status == FS_SUCCESS && size > 0 ? static_cast<std::size_t>(size) / sizeof(wchar_t) : 0);
   return path;
 }
@@ -32,7 +32,7 @@ struct Walker {
   std::string enter(DBLK& blk, std::string const& path, unsigned depth) {
     FS_STATUS path_status = 0;
     std::vector<wchar_t> const before = current_path_of(hand, path_status);
-    FS_STATUS const into = job::change_into(hand, &blk);
+    FS_STATUS const into = FS_HandChangeIntoDDB(hand, &blk);
     if (into == FS_STATUS_EXT_ERROR) {
       ++counts.object_errors;  // a directory that cannot be entered is the module's to report
       return {};
@@ -42,7 +42,7 @@ struct Walker {
              "; expected 0x00000000 for a directory block the find delivered";
     std::string problem = list(path + "/", depth + 1);
     if (!problem.empty()) return problem;
-    FS_STATUS const up = job::change_up(hand);
+    FS_STATUS const up = FS_HandChangeDirUp(hand);
     if (up != FS_SUCCESS)
       return "ChangeDirUp from '" + path + "' returned " + status_text(up) + "; expected 0x00000000";
     FS_STATUS after_status = 0;
@@ -72,7 +72,7 @@ struct Walker {
   std::string list(std::string const& dir, unsigned depth) {
     note_step("listing '" + dir + "'");
     auto blk = std::make_unique<DBLK>();
-    FS_STATUS status = job::find_first(hand, blk.get(), nullptr);
+    FS_STATUS status = FS_HandFindFirstObj(hand, blk.get(), nullptr, 0);
     std::string problem;
     while (problem.empty() && (status == FS_SUCCESS || status == FS_STATUS_EXT_ERROR)) {
       if (counts.objects >= max_objects) {
@@ -82,13 +82,13 @@ struct Walker {
       ++counts.objects;
       if (status == FS_SUCCESS) problem = visit(*blk, dir, depth);
       else ++counts.object_errors;
-      if (problem.empty()) status = job::find_next(hand, blk.get());
+      if (problem.empty()) status = FS_HandFindNextObj(hand, blk.get());
     }
     if (problem.empty() && !counts.capped && status != FS_STATUS_NONE)
       problem = "a find in '" + dir + "' returned " + status_text(status) +
                 "; expected 0x00000000 for an object and FS_STATUS_NONE at the end";
-    job::find_close(hand, blk.get());
-    job::release_blk(hand, blk.get());
+    FS_HandFindObjClose(hand, blk.get());
+    FS_HandReleaseBlk(hand, blk.get());
     return problem;
   }
 };

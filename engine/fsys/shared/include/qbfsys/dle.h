@@ -267,3 +267,10 @@ inline wchar_t const* DLE_DisplayName(GENERIC_DLE const* dle) {
   if ((dle->name_flags & DLE_NAME_FLAG_ALTERNATE) && dle->alt_name) return dle->alt_name;
   return dle->device_name;
 }
+
+// Prints the tree of `head` under `title` through the host's debug print, as
+// the layer's own diagnostics print it: a line of stars, the title, one line
+// per element (hidden ones included, each subtree indented by 4 more spaces,
+// at most 154) and "End of List". A null head prints the frame alone. For
+// hosts that show the tree to a person.
+FS_EXPORT void DLE_PrintTree(HEAD_DLE const* head, wchar_t const* title);

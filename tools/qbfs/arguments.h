@@ -1,4 +1,4 @@
-// The archive commands' arguments: options (with or without a value) and
+// The commands' arguments: options (with or without a value) and
 // operands, read the same way by every command.
 #pragma once
 #include <cstdio>
@@ -7,13 +7,13 @@
 #include <utility>
 #include <vector>
 
-#include "archive_terminal_text.h"
+#include "archive/archive_terminal_text.h"
 
-namespace qbfs::archive {
+namespace qbfs {
 
 // Usage error: the message, then how to get help. Returns exit code 2.
 inline int usage_error(char const* command, std::string const& text) {
-  std::fprintf(stderr, "%s: %s\n(see: %s --help)\n", command, terminal_text(text).c_str(), command);
+  std::fprintf(stderr, "%s: %s\n(see: %s --help)\n", command, archive::terminal_text(text).c_str(), command);
   return 2;
 }
 
@@ -46,8 +46,9 @@ struct Arguments {
   }
 };
 
-// Reads argv[1..argc) against `specs`. Returns 0, or 2 after printing a
-// usage error (an unknown option, a missing or empty value).
+// Reads argv[1..argc) against `specs`: "-h"/"--help" anywhere sets `help`,
+// "--" makes the rest operands, "-" alone is an operand. Returns 0, or 2
+// after printing a usage error (an unknown option, a missing or empty value).
 inline int parse_arguments(int argc, char** argv, char const* command,
                            std::initializer_list<OptionSpec> specs, Arguments& out) {
   for (int i = 1; i < argc; ++i) {
@@ -55,6 +56,10 @@ inline int parse_arguments(int argc, char** argv, char const* command,
     if (a == "-h" || a == "--help") {
       out.help = true;
       continue;
+    }
+    if (a == "--") {  // what follows is operands, even when it starts with '-'
+      for (++i; i < argc; ++i) out.operands.push_back(argv[i]);
+      break;
     }
     if (a.size() < 2 || a[0] != '-') {
       out.operands.push_back(a);
@@ -78,4 +83,4 @@ inline int parse_arguments(int argc, char** argv, char const* command,
 constexpr OptionSpec kVerbose{"-v", "--verbose", false};
 constexpr OptionSpec kQuiet{"-q", "--quiet", false};
 
-}  // namespace qbfs::archive
+}  // namespace qbfs
