@@ -86,6 +86,27 @@ TEST(QbfsTool, TreeOfConfiguredRootsIsTheLayersDump) {
   rmdir(templ);
 }
 
+// -q leaves standard error to errors alone: no summary, no progress.
+TEST(QbfsTool, QuietLeavesOnlyErrorsOnStandardError) {
+  char templ[] = "/tmp/qbfs-quiet-XXXXXX";
+  ASSERT_NE(mkdtemp(templ), nullptr);
+  std::string const dir = templ;
+  std::ofstream(dir + "/a.txt") << "some data";
+  std::string const archive = dir + ".qbfs";
+  ToolRun loud = qbfs("backup " + dir + " -o " + archive);
+  EXPECT_EQ(loud.status, 0) << loud.err;
+  EXPECT_TRUE(has(loud.err, "qbfs backup: ")) << "the summary, without -q";
+  ToolRun quiet = qbfs("backup -q " + dir + " -o " + archive);
+  EXPECT_EQ(quiet.status, 0) << quiet.err;
+  EXPECT_EQ(quiet.err, "");
+  ToolRun failing = qbfs("backup -q " + dir + "/no-such -o " + archive);
+  EXPECT_NE(failing.status, 0);
+  EXPECT_NE(failing.err, "") << "errors stay";
+  std::remove(archive.c_str());
+  std::remove((dir + "/a.txt").c_str());
+  rmdir(templ);
+}
+
 TEST(QbfsTool, WithoutModulesThereIsNoTree) {
   ToolRun run = qbfs("--no-modules -q tree");
   EXPECT_EQ(run.status, 1);
