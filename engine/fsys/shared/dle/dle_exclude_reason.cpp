@@ -28,15 +28,16 @@ bool lookup_key(GENERIC_DLE const* dle, wchar_t const* path, short pathBytes, st
 }
 
 // The exclusion list is a linked list that modules can reach. Its stamps
-// record each entry's address, its successor, reason and size; checking them
-// reads the entries in list order, each proven to be in the list before it
-// is read, and the addresses come from the stamps, so the reads do not wait
-// on one another. A pattern's characters edited in place are not noticed:
-// an entry is replaced, not rewritten, to change its text.
+// record each entry's address, reason and size; checking them reads the
+// entries in list order, each proven to be in the list (its predecessor
+// links to it) before it is read, and the addresses come from the stamps, so
+// the reads do not wait on one another. A pattern's characters edited in
+// place are not noticed: an entry is replaced, not rewritten, to change its
+// text.
 fsys::RuleListView exclusion_patterns(GENERIC_DLE* dle) {
   fsys::RuleListView view;
   for (DLE_SPEC_PATTERN* p = dle->exclude_patterns; p != nullptr; p = p->next) {
-    view.stamps.push_back({p, p->next, p->reason, static_cast<std::size_t>(p->size)});
+    view.stamps.push_back({p, p->reason, static_cast<std::uint32_t>(static_cast<std::uint16_t>(p->size))});
     // A negative size cannot be compared; such an entry never matches.
     if (p->size < 0) continue;
     view.patterns.push_back({p->pattern, static_cast<std::size_t>(p->size) / kWideChar, p->reason});
@@ -45,24 +46,27 @@ fsys::RuleListView exclusion_patterns(GENERIC_DLE* dle) {
 }
 
 bool exclusion_unchanged(GENERIC_DLE const* dle, std::vector<fsys::RuleStamp> const& stamps) noexcept {
-  void const* expected = dle->exclude_patterns;
-  for (fsys::RuleStamp const& s : stamps) {
-    if (expected != s.entry) return false;
-    auto const* entry = static_cast<DLE_SPEC_PATTERN const*>(s.entry);
-    if (entry->next != s.link || entry->reason != s.reason ||
-        static_cast<std::size_t>(entry->size) != s.size)
+  if (stamps.empty()) return dle->exclude_patterns == nullptr;
+  if (dle->exclude_patterns != stamps.front().entry) return false;
+  std::size_t const last = stamps.size() - 1;
+  for (std::size_t i = 0; i < last; ++i) {
+    auto const* entry = static_cast<DLE_SPEC_PATTERN const*>(stamps[i].entry);
+    if (entry->next != stamps[i + 1].entry || entry->reason != stamps[i].reason ||
+        static_cast<std::uint16_t>(entry->size) != stamps[i].size)
       return false;
-    expected = s.link;
   }
-  return expected == nullptr;
+  auto const* tail = static_cast<DLE_SPEC_PATTERN const*>(stamps[last].entry);
+  return tail->next == nullptr && tail->reason == stamps[last].reason &&
+         static_cast<std::uint16_t>(tail->size) == stamps[last].size;
 }
 
 // Warning patterns sit in a vector of strings: each stamp holds the
-// element's address, its text's address, its reason and its length.
+// element's address, its reason and its length; the text's address is
+// checked against the element's own.
 fsys::RuleListView warning_patterns(GENERIC_DLE* dle) {
   fsys::RuleListView view;
   for (auto& rule : dle->agent_warnings->patterns) {
-    view.stamps.push_back({&rule, rule.first.data(), rule.second, rule.first.size()});
+    view.stamps.push_back({rule.first.data(), rule.second, static_cast<std::uint32_t>(rule.first.size())});
     view.patterns.push_back({rule.first.data(), rule.first.size(), rule.second});
   }
   return view;
@@ -73,8 +77,7 @@ bool warning_unchanged(GENERIC_DLE const* dle, std::vector<fsys::RuleStamp> cons
   if (rules.size() != stamps.size()) return false;
   for (std::size_t i = 0; i < rules.size(); ++i) {
     fsys::RuleStamp const& s = stamps[i];
-    if (&rules[i] != s.entry || rules[i].first.data() != s.link || rules[i].second != s.reason ||
-        rules[i].first.size() != s.size)
+    if (rules[i].first.data() != s.entry || rules[i].second != s.reason || rules[i].first.size() != s.size)
       return false;
   }
   return true;

@@ -93,14 +93,12 @@ class RuleIndex {
 namespace fsys {
 
 // One rule-list entry as it was when an index was built: the entry's
-// address, the link that followed it (the next entry, or the text for
-// entries kept in a vector), its reason and its size. A lookup compares the
-// list with these before it trusts the index.
+// address, its reason and its size. The entry that follows it is the next
+// stamp's. A lookup compares the list with these before it trusts the index.
 struct RuleStamp {
   void const* entry;
-  void const* link;
   std::uint32_t reason;
-  std::size_t size;
+  std::uint32_t size;
 };
 
 // The patterns of one rule list of a DLE and the stamps of its entries.
