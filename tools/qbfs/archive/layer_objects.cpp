@@ -121,6 +121,20 @@ FS_STATUS make_plain_directory(FSYS_HAND_STRUCT* hand, std::wstring const& name,
   return make_block(hand, record, name, none, out);
 }
 
+int kind_of(FSYS_HAND_STRUCT* hand, std::wstring const& name) {
+  _FUNC_LIST const& t = *hand->funcTable;
+  if (t.FindFirstObj == nullptr || t.FindNextObj == nullptr || t.FindObjClose == nullptr) return 0;
+  std::wstring pattern = name;  // a name with wildcards finds others too
+  DBLK blk{};
+  FS_STATUS s = t.FindFirstObj(hand, &blk, &pattern[0], 0);
+  for (; s == FS_SUCCESS; s = t.FindNextObj(hand, &blk))
+    if (object_name(hand, &blk) == name) break;
+  int const kind = s == FS_SUCCESS ? blk.blk_type : 0;
+  t.FindObjClose(hand, &blk);
+  if (t.ReleaseBlk != nullptr) t.ReleaseBlk(hand, &blk);
+  return kind;
+}
+
 }  // namespace qbfs::archive
 
 namespace qbfs::archive {
@@ -129,24 +143,26 @@ HandleCursor::~HandleCursor() {
   for (; !current_.empty(); current_.pop_back()) hand_->funcTable->ChangeDirUp(hand_);
 }
 
-bool HandleCursor::go_to(Components const& dir, bool create, std::string& why,
-                         std::function<void(Components const&)> const& created) {
+bool HandleCursor::go_to(Components const& dir, std::size_t depth, bool create, std::string& why,
+                         std::function<void(Components const&, std::size_t)> const& created) {
   _FUNC_LIST const& t = *hand_->funcTable;
   std::size_t common = 0;
-  while (common < current_.size() && common < dir.size() && current_[common] == dir[common]) ++common;
+  while (common < current_.size() && common < depth && current_[common] == dir[common]) ++common;
   for (; current_.size() > common; current_.pop_back()) t.ChangeDirUp(hand_);
-  for (std::size_t k = common; k < dir.size(); ++k) {
+  bool made_above = false;  // the directory above was made here: it is empty
+  for (std::size_t k = common; k < depth; ++k) {
     DBLK block{};
     FS_STATUS status = make_plain_directory(hand_, dir[k], &block);
     if (status != FS_SUCCESS) {
       why = "its directory cannot be described: " + failure_text(hand_, status);
       return false;
     }
-    status = t.ChangeIntoDDB(hand_, &block);
+    status = made_above ? FS_STATUS_NONE : t.ChangeIntoDDB(hand_, &block);
     if (status != FS_SUCCESS && create) {
       status = t.CreateObj(hand_, &block, nullptr, RESTORE_OVERWRITE);
       if (status == FS_SUCCESS) status = t.ChangeIntoDDB(hand_, &block);
-      if (status == FS_SUCCESS && created) created(Components(dir.begin(), dir.begin() + k + 1));
+      made_above = status == FS_SUCCESS;
+      if (made_above && created) created(dir, k + 1);
     }
     t.ReleaseBlk(hand_, &block);
     if (status != FS_SUCCESS) {
