@@ -47,7 +47,7 @@ struct Scratch {
     char templ[] = "/tmp/qbfs-limits-XXXXXX";
     dir = mkdtemp(templ) ? templ : "";
   }
-  ~Scratch() { std::system(("chmod -R u+rwx '" + dir + "' 2>/dev/null; rm -rf '" + dir + "'").c_str()); }
+  ~Scratch() { std::system(("rm -rf '" + dir + "'").c_str()); }
   std::string fresh(std::string const& name) const {
     std::string const path = dir + "/" + name;
     return mkdir(path.c_str(), 0755) == 0 ? path : "";

@@ -59,6 +59,8 @@ int kind_of(FSYS_HAND_STRUCT* hand, std::wstring const& name);
 
 // Moves a handle between directories below its root by name, the way the
 // archive's objects come (depth first). Goes back to the root when destroyed.
+// Keeps one name per level of the current directory, nothing per directory
+// left behind.
 class HandleCursor {
  public:
   explicit HandleCursor(FSYS_HAND_STRUCT* hand) : hand_(hand) {}
