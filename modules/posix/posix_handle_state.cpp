@@ -270,7 +270,8 @@ void posix_finish_deferred(PosixHandleState& state) {
       while (!todo.empty()) {
         std::uint32_t const n = todo.back();
         todo.pop_back();
-        if (nodes[n].pending) posix_note(error, node_path(tree, n), L"directory could not be reopened to set its metadata");
+        if (nodes[n].pending)
+          posix_note(error, node_path(tree, n), L"directory could not be reopened to set its metadata");
         for (std::uint32_t c = first[n]; c < first[n + 1]; ++c) todo.push_back(children[c]);
       }
     };
@@ -314,7 +315,8 @@ void posix_finish_deferred(PosixHandleState& state) {
       }
       if (nodes[done].pending) {
         wchar_t const* step = nullptr;
-        int const error = posix_apply_metadata(fd, "", fd, nodes[done].info, nodes[done].xattrs, state.privileged, &step);
+        int const error =
+            posix_apply_metadata(fd, "", fd, nodes[done].info, nodes[done].xattrs, state.privileged, &step);
         if (error != 0) posix_note(error, node_path(tree, done), step);
       }
       let_go(fd);

@@ -150,8 +150,8 @@ TEST_F(PosixBadInput, RestoreRefusesABlockWhoseKindAndStatRecordDisagree) {
     req.gen.os_info_size = sizeof info;
     ASSERT_EQ(FS_CreateGenDBLK(hand_, c.kind, &req), 0);
     EXPECT_EQ(t.CreateObj(hand_, &blk, nullptr, RESTORE_OVERWRITE), FS_STATUS_EXT_ERROR);
-    EXPECT_EQ(qbtest::last_message(hand_).find(L"/mixed: its block says one kind of object and its stat record another"), 0u)
-        << qbtest::last_message(hand_);
+    std::wstring const said = qbtest::last_message(hand_);
+    EXPECT_EQ(said.find(L"/mixed: its block says one kind of object and its stat record another"), 0u) << said;
     struct stat st {};
     EXPECT_NE(lstat((root_ + "/mixed").c_str(), &st), 0) << "made";
     _FILE_HAND_STRUCT* obj = nullptr;

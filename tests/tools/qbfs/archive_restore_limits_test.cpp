@@ -121,7 +121,8 @@ struct Measured {
   int status = -1;   // exit status, or 128 + signal
   std::string err;   // standard error
   long peak_kib = 0; // peak resident size
-  double seconds = 0;
+  double seconds = 0;      // wall clock
+  double cpu_seconds = 0;  // user and system
 };
 
 // Runs the tool with `args` under the descriptor limit, its standard
@@ -158,6 +159,8 @@ Measured run_limited(std::vector<std::string> args) {
   if (child > 0 && wait4(child, &status, 0, &usage) == child) {
     m.status = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
     m.peak_kib = usage.ru_maxrss;
+    m.cpu_seconds = static_cast<double>(usage.ru_utime.tv_sec + usage.ru_stime.tv_sec) +
+                    static_cast<double>(usage.ru_utime.tv_usec + usage.ru_stime.tv_usec) / 1e6;
   }
   m.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
   m.err = read_file(err_file);
@@ -279,18 +282,33 @@ long baseline_kib(Scratch const& s, bool records) {
   return m.peak_kib;
 }
 
+// An archive of one file `levels` directories down, without records of
+// the directories.
+std::string write_bare_chain(Scratch const& s, std::size_t levels) {
+  std::string const archive = s.dir + "/deep" + std::to_string(levels) + ".qba";
+  bool const written = write_archive(archive, 2, [&](std::size_t i) {
+    return i == 0 ? Forged{DBLK_KIND_DDB, kDir, "src", ""}
+                  : Forged{DBLK_KIND_FDB, kFile, chain(levels) + "/f", "deep\n"};
+  });
+  return written ? archive : "";
+}
+
 // One file 20,000 directories down, without records of the directories:
 // every level is made as a plain directory, under a limit of 256
-// descriptors, and compared again through 20,000 levels.
+// descriptors, and compared again through 20,000 levels. The processor
+// time grows linearly with the depth: four times the levels may cost
+// twice as much again as four times (quadratic work would cost sixteen).
 TEST(RestoreDepth, PathWithoutDirectoryRecordsNeedsNoDescriptorPerLevel) {
   Scratch s;
-  std::string const archive = s.dir + "/deep.qba", out = s.fresh("out");
-  ASSERT_TRUE(write_archive(archive, 2, [&](std::size_t i) {
-    return i == 0 ? Forged{DBLK_KIND_DDB, kDir, "src", ""}
-                  : Forged{DBLK_KIND_FDB, kFile, chain(kDeep) + "/f", "deep\n"};
-  }));
+  std::string const archive = write_bare_chain(s, kDeep), quarter = write_bare_chain(s, kDeep / 4);
+  ASSERT_FALSE(archive.empty() || quarter.empty());
+  std::string const out = s.fresh("out"), out_quarter = s.fresh("out-quarter");
   long const base = baseline_kib(s, false);
+  Measured const shallower = run_limited({"restore", quarter, "-C", out_quarter});
+  EXPECT_EQ(shallower.status, 0) << shallower.err.substr(0, 2000);
   Measured const restore = run_limited({"restore", archive, "-C", out});
+  EXPECT_LT(restore.cpu_seconds, 8 * shallower.cpu_seconds + 0.5)
+      << kDeep / 4 << " levels: " << shallower.cpu_seconds << " s, " << kDeep << ": " << restore.cpu_seconds << " s";
   EXPECT_EQ(restore.status, 0) << restore.err.substr(0, 2000);
   EXPECT_EQ(data_below(out + "/src", kDeep, "f"), "deep\n");
   Measured const verify = run_limited({"verify", archive, "--against", out});
@@ -299,8 +317,10 @@ TEST(RestoreDepth, PathWithoutDirectoryRecordsNeedsNoDescriptorPerLevel) {
     EXPECT_LE((m->peak_kib - base) * 1024, kBytesPerLevel * static_cast<long>(kDeep))
         << "peak " << m->peak_kib << " KiB, " << base << " KiB for one level";
   }
-  std::printf("%zu levels without records: restore %.2f s, %ld KiB; verify --against %.2f s, %ld KiB; one level %ld KiB\n",
-              kDeep, restore.seconds, restore.peak_kib, verify.seconds, verify.peak_kib, base);
+  std::printf("%zu levels without records: restore %.2f s (%.2f s processor; %.2f s for %zu levels), %ld KiB; "
+              "verify --against %.2f s, %ld KiB; one level %ld KiB\n",
+              kDeep, restore.seconds, restore.cpu_seconds, shallower.cpu_seconds, kDeep / 4, restore.peak_kib,
+              verify.seconds, verify.peak_kib, base);
 }
 
 // A chain of directories, each with its record (the archive grows with the
@@ -325,7 +345,8 @@ TEST(RestoreDepth, DirectoryRecordsKeepABoundedAmountPerDirectory) {
     EXPECT_LE((m->peak_kib - base) * 1024, kBytesPerLevel * static_cast<long>(kLevels))
         << "peak " << m->peak_kib << " KiB, " << base << " KiB for one level";
   }
-  std::printf("%zu levels with records: restore %.2f s, %ld KiB; verify --against %.2f s, %ld KiB; one level %ld KiB\n",
+  std::printf("%zu levels with records: restore %.2f s, %ld KiB; verify --against %.2f s, %ld KiB; "
+              "one level %ld KiB\n",
               kLevels, restore.seconds, restore.peak_kib, verify.seconds, verify.peak_kib, base);
 }
 
