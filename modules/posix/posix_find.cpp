@@ -61,9 +61,11 @@ FS_STATUS posix_find_next_obj(FSYS_HAND_STRUCT* fsh, DBLK* blk) {
     if (level.entry_at >= level.entries_end) {
       ssize_t const got = getdents64(level.fd, level.entries.data(), level.entries.size());
       if (got <= 0) {
+        int const error = errno;
         level.listing = false;
+        std::vector<char>().swap(level.entries);
         if (got < 0)
-          return posix_report(fsh, errno, posix_display_path(*state, ""),
+          return posix_report(fsh, error, posix_display_path(*state, ""),
                               L"directory could not be listed");
         return FS_STATUS_NONE;
       }
@@ -96,7 +98,6 @@ FS_STATUS posix_find_first_obj(FSYS_HAND_STRUCT* fsh, DBLK* blk, wchar_t* spec, 
     return posix_report(fsh, errno, posix_display_path(*state, ""),
                         L"directory could not be listed");
   level.read_from_start = false;
-  level.entries.resize(kEntriesBuffer);
   level.entry_at = level.entries_end = 0;
   level.listing = true;
   level.spec = spec == nullptr ? std::wstring() : std::wstring(spec);
@@ -104,12 +105,14 @@ FS_STATUS posix_find_first_obj(FSYS_HAND_STRUCT* fsh, DBLK* blk, wchar_t* spec, 
   if (is_literal(level.spec, literal)) {
     // A specification without wildcards names at most one object (names
     // are compared case-sensitively): it is looked up instead of searched
-    // for, so finding one object costs the same in any directory.
+    // for, so finding one object costs the same in any directory, and no
+    // buffer of entries is kept for it.
     level.listing = false;
     struct stat st {};
     if (fstatat(level.fd, literal.c_str(), &st, AT_SYMLINK_NOFOLLOW) != 0) return FS_STATUS_NONE;
     return posix_fill_dblk(fsh, *state, blk, literal, st, level.found);
   }
+  level.entries.resize(kEntriesBuffer);
   return posix_find_next_obj(fsh, blk);
 }
 
@@ -119,6 +122,9 @@ FS_STATUS posix_find_obj_close(FSYS_HAND_STRUCT* fsh, DBLK*) {
   PosixLevel& level = state->levels.back();
   level.listing = false;
   level.entry_at = level.entries_end = 0;
+  // The buffer goes with the listing: a deep path of levels, each of which
+  // looked something up, would otherwise hold one buffer per level.
+  std::vector<char>().swap(level.entries);
   return FS_SUCCESS;
 }
 

@@ -7,15 +7,30 @@
 // Every directory is held open by descriptor and every object is reached
 // relative to its directory's descriptor (openat, fstatat, mkdirat, ...), so
 // no path handed to the kernel is longer than one name and paths longer than
-// PATH_MAX work. One descriptor is held per level; a level's listing reads
-// that same descriptor (getdents64; openat does not care where a
-// directory's read position stands).
+// PATH_MAX work. A level's listing reads its own descriptor (getdents64;
+// openat does not care where a directory's read position stands).
+//
+// Descriptors are bounded, not one per level: the root, the current level,
+// the levels with a listing in progress and the POSIX_OPEN_LEVELS deepest
+// levels keep theirs; a level above them lets its descriptor go and keeps
+// the directory's identity (device and inode). Going up into such a level
+// opens ".." of the level below and checks that identity, so a walk down
+// and back up any depth costs a bounded number of descriptors and a
+// constant number of calls per level. When ".." is another directory (the
+// tree was moved while we were in it), the level is opened again by its
+// names from the root instead, one name at a time, never following a link.
+// A walk whose every level lists (a backup) still holds one descriptor per
+// level: a listing's read position lives in its descriptor.
+//
+// Memory: a level costs about 300 bytes plus its name; a level that lists
+// holds a 32 KiB buffer of entries until its listing ends or is closed.
 #pragma once
 #include <cstdint>
 #include <map>
 #include <memory>
 #include <set>
 #include <string>
+#include <unordered_set>
 #include <utility>
 #include <vector>
 
@@ -41,6 +56,11 @@ struct PosixDirHold {
 // One directory of the current path; levels[0] is the attached root, and
 // the path below the root starts at levels[POSIX_FIRST_BELOW_ROOT].
 constexpr std::size_t POSIX_FIRST_BELOW_ROOT = 1;
+// Levels below the current one's ancestors that keep their descriptors:
+// going up through them costs no open. A deeper path closes the ones above.
+constexpr std::size_t POSIX_OPEN_LEVELS = 32;
+// No directory node (PosixDirNode) yet.
+constexpr std::uint32_t POSIX_NO_NODE = UINT32_MAX;
 struct PosixLevel {
   // A level owns descriptors: it is moved, never copied.
   PosixLevel() = default;
@@ -50,7 +70,10 @@ struct PosixLevel {
   PosixLevel& operator=(PosixLevel const&) = delete;
 
   std::string name;             // its name in the directory above (empty for the root)
-  int fd = -1;                  // O_DIRECTORY descriptor, owned (through `hold` once set)
+  int fd = -1;                  // O_DIRECTORY descriptor, owned (through `hold` once set);
+                                // -1 while the level is closed to save descriptors
+  std::uint64_t dev = 0, ino = 0;  // the directory's identity, kept when `fd` is closed
+  std::uint32_t node = POSIX_NO_NODE;  // its node among the restore's directories
   std::shared_ptr<PosixDirHold> hold;  // set when an object is restored here
   bool listing = false;         // a find is in progress here
   bool read_from_start = true;  // the descriptor's read position is still at the start
@@ -65,13 +88,45 @@ struct PosixLevel {
   std::string made_name;
 };
 
-// A directory made by the restore whose permissions, times and extended
-// attributes are set only after its children were written: its own mode
-// may forbid writing into it, and every child written changes its times.
-struct PosixDeferredDir {
-  std::vector<std::string> path;  // components below the root
+// A directory of the restore: one the restore made, whose permissions,
+// times and extended attributes are set only after its children were
+// written (its own mode may forbid writing into it, and every child written
+// changes its times), or a directory above such a one. A node holds its
+// own name and its parent's index, never its path. A directory costs its
+// node twice over at most (the vector of nodes grows by doubling; 168 bytes
+// on x86-64), one entry of the set that finds it again by parent and name
+// (under 64 bytes), its name and its extended attributes: at most
+// kPosixDirNodeBound bytes plus its name and extended attributes, however
+// deep it lies.
+struct PosixDirNode {
+  std::string name;                     // in its parent; empty for the root
+  std::uint32_t parent = POSIX_NO_NODE;  // the root has none
+  bool pending = false;                 // made by the restore: `info` and `xattrs` wait
   POSIX_OS_INFO info{};
   std::vector<PosixXattr> xattrs;
+};
+constexpr std::size_t kPosixDirNodeBound = 512;
+static_assert(2 * sizeof(PosixDirNode) + 64 <= kPosixDirNodeBound, "a directory's cost as stated above");
+
+// Finds a node by its parent and name (the set holds indexes into `nodes`).
+struct PosixDirNodeHash {
+  std::vector<PosixDirNode> const* nodes;
+  std::size_t operator()(std::uint32_t i) const;
+};
+struct PosixDirNodeSame {
+  std::vector<PosixDirNode> const* nodes;
+  bool operator()(std::uint32_t a, std::uint32_t b) const;
+};
+
+// The restore's directories, node 0 the root; a parent's index is below
+// its children's.
+struct PosixDirTree {
+  PosixDirTree();
+  PosixDirTree(PosixDirTree const&) = delete;
+  PosixDirTree& operator=(PosixDirTree const&) = delete;
+  std::vector<PosixDirNode> nodes;
+  std::unordered_set<std::uint32_t, PosixDirNodeHash, PosixDirNodeSame> index;
+  bool any_pending = false;
 };
 
 struct PosixHandleState {
@@ -91,8 +146,10 @@ struct PosixHandleState {
   // file with several links that was delivered, by (device, inode).
   std::map<std::pair<std::uint64_t, std::uint64_t>, std::string> first_links;
 
-  // Restoring: directories waiting for their metadata, in creation order.
-  std::vector<PosixDeferredDir> deferred;
+  // Restoring: the directories waiting for their metadata, and those above them.
+  PosixDirTree dirs;
+  // Levels below this one are closed or listing (see the top of this file).
+  std::size_t close_from = POSIX_FIRST_BELOW_ROOT;
 };
 
 // The handle's state, or null when the handle is not attached to a
@@ -106,6 +163,21 @@ std::shared_ptr<PosixDirHold> posix_hold_current(PosixHandleState& state);
 void posix_close_level(PosixLevel& level);
 // Closes every level's descriptor.
 void posix_close_levels(PosixHandleState& state);
+// Closes the descriptors of levels above the POSIX_OPEN_LEVELS deepest
+// (not the root's, not a listing one's), keeping their identity.
+void posix_trim_levels(PosixHandleState& state);
+// Removes the current level. When the level above is closed it is opened
+// again first (".." checked against its identity, else by its names from
+// the root); false with errno when that fails (the level above then stays
+// closed, and every call made in it fails with EBADF).
+bool posix_pop_level(PosixHandleState& state);
+
+// The node of level `at` (made, with those of the levels above it, when
+// missing). POSIX_NO_NODE when memory runs out.
+std::uint32_t posix_level_node(PosixHandleState& state, std::size_t at);
+// The node of the directory `name` in the directory of node `parent`, made
+// when missing.
+std::uint32_t posix_child_node(PosixDirTree& tree, std::uint32_t parent, std::string const& name);
 
 // Keeps `fd`, a regular file just made as `name` in the current
 // directory, for posix_take_made_file (one at a time; a former one is closed).
@@ -142,8 +214,11 @@ int posix_open_components(int base, std::vector<std::string> const& components);
 // empty, absolute, or holds an empty, "." or ".." component.
 bool posix_split_relative(std::string const& path, std::vector<std::string>& components);
 
-// Applies the deferred directories' metadata, deepest (latest made) first;
-// failures are printed with the directory's path and reason.
+// Applies the waiting directories' metadata, each after every directory
+// below it, walking the tree of nodes with one descriptor besides the
+// root's (down by name, never following a link; up by ".." checked against
+// the identity seen on the way down); failures are printed with the
+// directory's path and reason.
 void posix_finish_deferred(PosixHandleState& state);
 
 // Records the module's failure on the handle: "<path>: <what> (<reason>)"

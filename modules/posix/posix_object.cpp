@@ -26,7 +26,7 @@ void reset(PosixObject& obj) {
   obj.fd = obj.dirfd = -1;
   obj.dir.reset();
   obj.name.clear();
-  obj.place.clear();
+  obj.node = POSIX_NO_NODE;
   obj.info = POSIX_OS_INFO{};
   obj.streams.clear();
   obj.current = 0;

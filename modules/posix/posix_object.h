@@ -36,7 +36,7 @@ struct PosixObject : _FILE_HAND_STRUCT {
   int dirfd = -1;                  // the directory it lies in (restoring), kept open by `dir`
   std::shared_ptr<PosixDirHold> dir;
   std::string name;                // its name there
-  std::vector<std::string> place;  // restoring: its directory's components below the root
+  std::uint32_t node = POSIX_NO_NODE;  // restoring a directory: its node (PosixDirTree)
   POSIX_OS_INFO info{};            // reading: as opened; restoring: as described
 
   // Reading.

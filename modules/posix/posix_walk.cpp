@@ -4,7 +4,9 @@
 // A change of directory keeps the levels the old and new paths share and
 // opens only the new ones, each relative to the one above; the new levels
 // are opened before anything is closed, so a path that cannot be entered
-// leaves the handle where it was. A directory on which another file system
+// leaves the handle where it was. Only the deepest POSIX_OPEN_LEVELS of
+// them stay open (posix_handle_state.h), so a path of any depth can be
+// entered. A directory on which another file system
 // is mounted is not entered (FS_STATUS_NONE, printed): that file system is
 // an element of its own, walked through its own handle, and a walk of "/"
 // must not wander into /proc.
@@ -12,6 +14,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <climits>
 #include <cstring>
@@ -26,11 +29,6 @@ namespace {
 
 constexpr short kWide = static_cast<short>(sizeof(wchar_t));
 constexpr std::size_t kRootRunLength = 1;  // characters of the root's run
-
-void pop_level(PosixHandleState& state) {
-  posix_close_level(state.levels.back());
-  state.levels.pop_back();
-}
 
 // Splits the layer's path form (terminated components, `size` bytes; one
 // empty component is the root) into byte names.
@@ -63,7 +61,8 @@ std::wstring shown_below(PosixHandleState const& state, std::vector<PosixLevel> 
 }
 
 void close_all(std::vector<PosixLevel>& fresh) {
-  for (PosixLevel const& level : fresh) close(level.fd);
+  for (PosixLevel const& level : fresh)
+    if (level.fd >= 0) close(level.fd);
   fresh.clear();
 }
 
@@ -97,9 +96,25 @@ FS_STATUS enter(FSYS_HAND_STRUCT* fsh, PosixHandleState& state, std::size_t keep
     level.fd = fd;
     fresh.push_back(std::move(level));
     base = fd;
+    // A long path keeps only its deepest levels open while it is entered.
+    if (fresh.size() > POSIX_OPEN_LEVELS + 1) {
+      PosixLevel& above = fresh[fresh.size() - POSIX_OPEN_LEVELS - 2];
+      if (fstat(above.fd, &st) == 0) {
+        above.dev = st.st_dev;
+        above.ino = st.st_ino;
+        close(above.fd);
+        above.fd = -1;
+      }
+    }
   }
-  while (state.levels.size() > keep + 1) pop_level(state);
+  // Level `keep` is open (the caller's choice), so none is opened again here.
+  while (state.levels.size() > keep + 1) {
+    posix_close_level(state.levels.back());
+    state.levels.pop_back();
+  }
+  state.close_from = std::max(POSIX_FIRST_BELOW_ROOT, std::min(state.close_from, keep));
   for (PosixLevel& level : fresh) state.levels.push_back(std::move(level));
+  posix_trim_levels(state);
   return FS_SUCCESS;
 }
 
@@ -113,6 +128,7 @@ FS_STATUS posix_change_dir(FSYS_HAND_STRUCT* fsh, wchar_t* path, short size) {
   while (keep < names.size() && keep + 1 < state->levels.size() &&
          state->levels[keep + 1].name == names[keep])
     ++keep;
+  if (state->levels[keep].fd < 0) keep = 0;  // closed: the path is entered from the root
   return enter(fsh, *state, keep, std::vector<std::string>(names.begin() + keep, names.end()));
 }
 
@@ -136,7 +152,8 @@ FS_STATUS posix_change_dir_up(FSYS_HAND_STRUCT* fsh) {
   PosixHandleState* state = posix_state(fsh);
   if (state == nullptr) return FS_ERR_BAD_PARAMETER;
   if (state->levels.size() <= POSIX_FIRST_BELOW_ROOT) return FS_ERR_NOT_SUPPORTED;  // at the root
-  pop_level(*state);
+  if (!posix_pop_level(*state))
+    return posix_report(fsh, errno, posix_display_path(*state, ""), L"directory could not be entered again");
   return FS_SUCCESS;
 }
 

@@ -9,6 +9,14 @@
 //
 // Streams the module does not know are taken and dropped, so media written
 // by a later version still restores what this one understands.
+//
+// A block whose kind (directory or not) and stat record's type disagree is
+// refused by CreateObj and OpenObj: a host decides what to do with an
+// object (keep a directory, delete a damaged file) by its kind, while the
+// object made would follow the stat record.
+//
+// The directories restored wait for their metadata until the handle lets
+// go (PosixDirTree in posix_handle_state.h: a node each, never a path).
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <sys/sysmacros.h>
@@ -175,16 +183,28 @@ void check_stream_ended(PosixObject& obj) {
   obj.in_id = STRM_INVALID;
 }
 
-FS_STATUS create_plain_directory(FSYS_HAND_STRUCT* fsh, int dirfd, std::string const& name,
-                                 std::wstring const& shown) {
+// True when the block's kind and its stat record say the same: a
+// directory, or any other object.
+bool kinds_agree(DBLK const* blk, POSIX_OS_INFO const& info) {
+  return (blk->blk_type == DBLK_KIND_DDB) == S_ISDIR(info.mode);
+}
+
+constexpr wchar_t const* kKindsDisagree =
+    L"its block says one kind of object and its stat record another; not restored";
+
+FS_STATUS create_plain_directory(FSYS_HAND_STRUCT* fsh, PosixHandleState const& state, std::string const& name) {
   // Nothing in the way is removed: with no description of its own, this
   // directory has no claim on the name over what a restore put there.
+  // The path for a message is put together only for a failure: it costs
+  // as much as the path is deep.
+  int const dirfd = posix_current_fd(state);
   struct stat st {};
   if (fstatat(dirfd, name.c_str(), &st, AT_SYMLINK_NOFOLLOW) == 0)
     return S_ISDIR(st.st_mode) ? FS_SUCCESS
-                               : posix_report(fsh, ENOTDIR, shown, L"another object holds the name of a directory to be made");
+                               : posix_report(fsh, ENOTDIR, posix_display_path(state, name),
+                                              L"another object holds the name of a directory to be made");
   int const error = mkdirat(dirfd, name.c_str(), kDefaultDir) == 0 ? 0 : errno;
-  return error == 0 ? FS_SUCCESS : posix_report(fsh, error, shown, L"could not be created");
+  return error == 0 ? FS_SUCCESS : posix_report(fsh, error, posix_display_path(state, name), L"could not be created");
 }
 
 }  // namespace
@@ -215,9 +235,10 @@ FS_STATUS posix_create_obj(FSYS_HAND_STRUCT* fsh, DBLK* blk, wchar_t const* name
   if (state == nullptr || !named) return FS_ERR_BAD_PARAMETER;
   auto shown = [&] { return posix_display_path(*state, bytes); };  // for reports only
   if (!posix_blk_info(blk, info) && blk->blk_type == DBLK_KIND_DDB)
-    return create_plain_directory(fsh, posix_current_fd(*state), bytes, shown());
+    return create_plain_directory(fsh, *state, bytes);
   if (!posix_blk_info(blk, info))
     return posix_report(fsh, EINVAL, shown(), L"block carries no stat record to restore from");
+  if (!kinds_agree(blk, info)) return posix_report(fsh, EINVAL, shown(), kKindsDisagree);
   int const dirfd = posix_current_fd(*state);
   struct stat st {};
   if (semantics == RESTORE_SKIP_EXISTING &&
@@ -242,9 +263,12 @@ FS_STATUS posix_create_obj(FSYS_HAND_STRUCT* fsh, DBLK* blk, wchar_t const* name
   if (S_ISDIR(info.mode)) {
     // Its metadata waits for detach, whether or not it is opened for its
     // attributes.
-    std::vector<std::string> path = posix_current_components(*state);
-    path.push_back(bytes);
-    state->deferred.push_back({std::move(path), info, {}});
+    std::uint32_t const parent = posix_level_node(*state, state->levels.size() - 1);
+    PosixDirNode& node = state->dirs.nodes[posix_child_node(state->dirs, parent, bytes)];
+    node.pending = true;
+    node.info = info;
+    node.xattrs.clear();
+    state->dirs.any_pending = true;
   }
   // The new file stays open for the OpenObj that follows, so that one
   // neither looks the name up again nor can be sent elsewhere by a name
@@ -259,7 +283,9 @@ FS_STATUS posix_open_write(FSYS_HAND_STRUCT* fsh, PosixObject& obj, DBLK* blk) {
   if (!posix_blk_info(blk, obj.info))
     return posix_report(fsh, EINVAL, posix_object_path(obj),
                         L"block carries no stat record to restore from");
-  if (S_ISDIR(obj.info.mode)) obj.place = posix_current_components(state);
+  if (!kinds_agree(blk, obj.info)) return posix_report(fsh, EINVAL, posix_object_path(obj), kKindsDisagree);
+  if (S_ISDIR(obj.info.mode))
+    obj.node = posix_child_node(state.dirs, posix_level_node(state, state.levels.size() - 1), obj.name);
   obj.dir = posix_hold_current(state);
   obj.dirfd = obj.dir->fd;
   if (S_ISREG(obj.info.mode)) {
@@ -316,16 +342,12 @@ FS_STATUS posix_finish_write(PosixObject& obj) {
   check_stream_ended(obj);
   if (obj.linked) return obj.failure;  // the file's metadata came with its first name
   if (S_ISDIR(obj.info.mode)) {
-    std::vector<std::string> path = obj.place;
-    path.push_back(obj.name);
-    // Its record was made by CreateObj, usually the latest one.
-    for (auto it = state->deferred.rbegin(); it != state->deferred.rend(); ++it)
-      if (it->path == path) {
-        it->info = obj.info;
-        it->xattrs = obj.xattrs;
-        return obj.failure;
-      }
-    state->deferred.push_back({std::move(path), obj.info, obj.xattrs});
+    if (obj.node >= state->dirs.nodes.size()) return FS_ERR_BAD_PARAMETER;
+    PosixDirNode& node = state->dirs.nodes[obj.node];
+    node.pending = true;
+    node.info = obj.info;
+    node.xattrs = std::move(obj.xattrs);
+    state->dirs.any_pending = true;
     return obj.failure;
   }
   if (obj.sparse && obj.fd >= 0 && ftruncate(obj.fd, static_cast<off_t>(obj.sparse_size)) != 0)

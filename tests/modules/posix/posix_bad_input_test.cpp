@@ -127,6 +127,40 @@ TEST_F(PosixBadInput, RestoreRefusesBlocksAndStreamsItCannotTrust) {
   t.ReleaseBlk(hand_, &blk);
 }
 
+// A block whose kind and stat record disagree is neither made nor opened:
+// a host keeps or deletes an object by its block's kind.
+TEST_F(PosixBadInput, RestoreRefusesABlockWhoseKindAndStatRecordDisagree) {
+  _FUNC_LIST const& t = *hand_->funcTable;
+  struct {
+    char kind;
+    std::uint32_t mode;
+  } const cases[] = {{DBLK_KIND_DDB, S_IFREG | 0644}, {DBLK_KIND_DDB, S_IFLNK | 0777}, {DBLK_KIND_FDB, S_IFDIR | 0755}};
+  for (auto const& c : cases) {
+    SCOPED_TRACE("kind " + std::to_string(c.kind) + ", mode " + std::to_string(c.mode));
+    qbposix::POSIX_OS_INFO info{};
+    info.version = qbposix::POSIX_OS_INFO_VERSION;
+    info.mode = c.mode;
+    DBLK blk{};
+    _CREATE_DBLK req;
+    FS_SetDefaultDBLK(hand_, c.kind, 0, &req);
+    req.dblk = req.gen.dblk = &blk;
+    req.gen.name = L"mixed";
+    req.gen.name_size = sizeof L"mixed";
+    req.gen.os_info = &info;
+    req.gen.os_info_size = sizeof info;
+    ASSERT_EQ(FS_CreateGenDBLK(hand_, c.kind, &req), 0);
+    EXPECT_EQ(t.CreateObj(hand_, &blk, nullptr, RESTORE_OVERWRITE), FS_STATUS_EXT_ERROR);
+    std::wstring const said = qbtest::last_message(hand_);
+    EXPECT_EQ(said.find(L"/mixed: its block says one kind of object and its stat record another"), 0u) << said;
+    struct stat st {};
+    EXPECT_NE(lstat((root_ + "/mixed").c_str(), &st), 0) << "made";
+    _FILE_HAND_STRUCT* obj = nullptr;
+    EXPECT_EQ(FS_OpenObj(hand_, &obj, &blk, FS_WRITE), FS_STATUS_EXT_ERROR);
+    EXPECT_EQ(obj, nullptr);
+    t.ReleaseBlk(hand_, &blk);
+  }
+}
+
 }  // namespace
 
 namespace {

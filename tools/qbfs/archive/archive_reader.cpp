@@ -1,13 +1,16 @@
 #include "archive_reader.h"
 
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdio>
 #include <cstring>
 
 #include <qbfsys/dblk.h>
 #include <qbfsys/stream_ids.h>
+#include <qbposix/posix_os_info.h>
 
 namespace qbfs::archive {
 namespace {
@@ -23,6 +26,22 @@ std::string stream_name(std::uint32_t id) {
   for (char& c : text)
     if (c != '\0' && (c < 0x20 || c > 0x7E)) c = '?';
   return "\"" + std::string(text) + "\"";
+}
+
+// Why the record's kind and its OS information disagree, when they are the
+// posix module's stat record (the only OS information read here) and do.
+std::string kinds_disagree(ObjectRecord const& record, unsigned char const* os_info) {
+  qbposix::POSIX_OS_INFO info{};
+  if (record.os_id != qbposix::POSIX_OS_ID || record.os_info_size != sizeof info) return {};
+  std::memcpy(&info, os_info, sizeof info);
+  if (info.version != qbposix::POSIX_OS_INFO_VERSION) return {};
+  bool const directory = record.blk_type == DBLK_KIND_DDB;
+  if (directory == S_ISDIR(info.mode)) return {};
+  char mode[16];
+  std::snprintf(mode, sizeof mode, "%o", info.mode);
+  return std::string(directory ? "its kind says a directory, its OS information another type of object"
+                               : "its kind says an object other than a directory, its OS information a directory") +
+         " (mode " + mode + ")";
 }
 
 std::uint32_t expected_length(std::uint16_t kind) {
@@ -179,6 +198,12 @@ Event ArchiveReader::start_object(FrameHeader const& header) {
                    why.empty() ? record.path_size : 0);
   Components components;
   if (why.empty() && !decode_path(path, components, why)) why = "\"" + display_path(path) + "\": " + why;
+  // We refuse a record whose kind and OS information disagree: a restore
+  // decides by the kind, the module makes what the OS information says.
+  if (why.empty()) {
+    why = kinds_disagree(record, payload + sizeof record + record.path_size);
+    if (!why.empty()) why = "\"" + display_path(path) + "\": " + why;
+  }
   if (!why.empty()) {
     begin_ += sizeof header + header.length;
     state_ = State::skipping_object;

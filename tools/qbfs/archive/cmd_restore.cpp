@@ -3,9 +3,12 @@
 // Reads the archive once, front to back (it may be a pipe), and restores
 // each object through the layer into DIR: the module creates it from the
 // record's block and takes its streams. An object is judged only when its
-// checksum arrives, after its data: a file found damaged then is deleted
+// checksum arrives, after its data: an object found damaged then is deleted
 // again, so no file is left with altered data. A directory is kept (the
-// objects below it need it) and reported.
+// objects below it need it) and reported. Which of the two an object is, is
+// asked of the file system (what was made), not taken from the record: the
+// module makes the object its OS information describes. The reader refuses
+// a record whose kind and OS information disagree, and so does the module.
 //
 // Nothing lands outside DIR: the reader refuses paths that are absolute or
 // climb, the handle moves only by names below its root, and the module
@@ -124,7 +127,7 @@ class RestoreJob {
 
   void begin(ObjectEntry const& entry) {
     obj_ = nullptr;
-    made_ = opened_ = false;
+    made_ = created_ = opened_ = false;
     error_.clear();
     if (!wanted(entry.components)) return;
     info_ = entry.os_info;
@@ -133,20 +136,28 @@ class RestoreJob {
       ++refused_;
       return console_.message(display_path(entry.components) + ": " + why);
     }
-    Components const parent(entry.components.begin(), entry.components.end() - 1);
-    auto note = [this](Components const& made) {
-      if (verbose_) console_.message("created the missing directory " + display_path(made));
+    auto note = [this](Components const& dir, std::size_t depth) {
+      if (verbose_)
+        console_.message("created the missing directory " +
+                         display_path(Components(dir.begin(), dir.begin() + depth)));
     };
-    if (!cursor_.go_to(parent, true, why, note)) return fail(entry.components, why);
+    if (!cursor_.go_to(entry.components, entry.components.size() - 1, true, why, note))
+      return fail(entry.components, why);
     blk_ = DBLK{};
     FS_STATUS status = make_block(hand_, entry.record, entry.components.back(), info_, &blk_);
     made_ = status == FS_SUCCESS;
     if (status == FS_SUCCESS) status = FS_HandCreateObj(hand_, &blk_, nullptr, RESTORE_OVERWRITE);
+    created_ = made_ && status == FS_SUCCESS;
     if (status == FS_SUCCESS) status = FS_OpenObj(hand_, &obj_, &blk_, FS_WRITE);
     opened_ = status == FS_SUCCESS;
     if (!opened_) {
       obj_ = nullptr;
-      fail(entry.components, "cannot be restored: " + failure_text(hand_, status));
+      // Reported when the object ends, where what was made is dealt with.
+      error_ = "cannot be restored: " + failure_text(hand_, status);
+      if (!made_) {
+        fail(entry.components, error_);
+        error_.clear();
+      }
     }
   }
 
@@ -175,26 +186,27 @@ class RestoreJob {
       if (closed != FS_SUCCESS && error_.empty()) error_ = failure_text(hand_, closed);
       obj_ = nullptr;
     }
-    bool const directory = entry.record.blk_type == DBLK_KIND_DDB;
+    bool const keep = e.verdict == Verdict::intact && error_.empty();
+    // What stays of an object that is not kept: a directory that was made
+    // (what lies below it needs it), nothing else.
+    bool const directory = created_ && !keep && kind_of(hand_, entry.components.back()) == DBLK_KIND_DDB;
+    std::string const outcome = !created_ ? "" : directory ? "; the directory is kept" : "; not restored";
     auto path = [&] { return display_path(entry.components); };  // for messages only
     if (e.verdict == Verdict::damaged) {
       ++damaged_;
-      console_.message("damaged: " + path() + ": " + e.problem +
-                       (!made_ ? "" : directory ? "; the directory is kept" : "; not restored"));
+      console_.message("damaged: " + path() + ": " + e.problem + outcome);
     } else if (e.verdict == Verdict::source_failed) {
       ++failed_;
-      console_.message(path() + ": its reading failed at backup" +
-                       (!made_ ? "" : directory ? "; the directory is kept" : "; not restored"));
+      console_.message(path() + ": its reading failed at backup" + outcome);
     } else if (!error_.empty()) {
       fail(entry.components, error_);
     } else if (opened_) {  // an object that could not be made was reported at its start
       ++restored_;
       if (verbose_) console_.message("restored " + path());
     }
-    bool const keep = e.verdict == Verdict::intact && error_.empty();
-    if (made_ && !keep && !directory) FS_HandDeleteObj(hand_, &blk_);
+    if (created_ && !keep && !directory) FS_HandDeleteObj(hand_, &blk_);
     if (made_) FS_HandReleaseBlk(hand_, &blk_);
-    made_ = false;
+    made_ = created_ = false;
     console_.progress(restored_, bytes_);
   }
 
@@ -205,8 +217,9 @@ class RestoreJob {
   RestorePolicy policy_;
   HandleCursor cursor_{hand_};
   DBLK blk_{};
-  bool made_ = false;
-  bool opened_ = false;  // the object was made and opened for its streams
+  bool made_ = false;     // blk_ holds a block
+  bool created_ = false;  // the file system made the object
+  bool opened_ = false;   // the object was made and opened for its streams
   _FILE_HAND_STRUCT* obj_ = nullptr;
   std::vector<unsigned char> info_;
   std::string error_;

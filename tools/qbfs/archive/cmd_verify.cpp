@@ -84,9 +84,8 @@ class Comparer {
   Comparer(FSYS_HAND_STRUCT* hand) : hand_(hand), buffer_(kReadBuffer) {}
   Found look_up(Components const& path) {
     Found found;
-    Components const parent(path.begin(), path.end() - 1);
     std::string why;
-    if (!cursor_.go_to(parent, false, why)) return found;
+    if (!cursor_.go_to(path, path.size() - 1, false, why)) return found;
     std::wstring pattern = path.back();
     DBLK blk{};
     FS_STATUS s = FS_HandFindFirstObj(hand_, &blk, &pattern[0], 0);

@@ -120,6 +120,19 @@ FS_STATUS make_plain_directory(FSYS_HAND_STRUCT* hand, std::wstring const& name,
   return make_block(hand, record, name, none, out);
 }
 
+int kind_of(FSYS_HAND_STRUCT* hand, std::wstring const& name) {
+  if (!FS_HandCanWalk(hand)) return 0;
+  std::wstring pattern = name;  // a name with wildcards finds others too
+  DBLK blk{};
+  FS_STATUS s = FS_HandFindFirstObj(hand, &blk, &pattern[0], 0);
+  for (; s == FS_SUCCESS; s = FS_HandFindNextObj(hand, &blk))
+    if (object_name(hand, &blk) == name) break;
+  int const kind = s == FS_SUCCESS ? blk.blk_type : 0;
+  FS_HandFindObjClose(hand, &blk);
+  FS_HandReleaseBlk(hand, &blk);
+  return kind;
+}
+
 }  // namespace qbfs::archive
 
 namespace qbfs::archive {
@@ -128,23 +141,25 @@ HandleCursor::~HandleCursor() {
   for (; !current_.empty(); current_.pop_back()) FS_HandChangeDirUp(hand_);
 }
 
-bool HandleCursor::go_to(Components const& dir, bool create, std::string& why,
-                         std::function<void(Components const&)> const& created) {
+bool HandleCursor::go_to(Components const& dir, std::size_t depth, bool create, std::string& why,
+                         std::function<void(Components const&, std::size_t)> const& created) {
   std::size_t common = 0;
-  while (common < current_.size() && common < dir.size() && current_[common] == dir[common]) ++common;
+  while (common < current_.size() && common < depth && current_[common] == dir[common]) ++common;
   for (; current_.size() > common; current_.pop_back()) FS_HandChangeDirUp(hand_);
-  for (std::size_t k = common; k < dir.size(); ++k) {
+  bool made_above = false;  // the directory above was made here: it is empty
+  for (std::size_t k = common; k < depth; ++k) {
     DBLK block{};
     FS_STATUS status = make_plain_directory(hand_, dir[k], &block);
     if (status != FS_SUCCESS) {
       why = "its directory cannot be described: " + failure_text(hand_, status);
       return false;
     }
-    status = FS_HandChangeIntoDDB(hand_, &block);
+    status = made_above ? FS_STATUS_NONE : FS_HandChangeIntoDDB(hand_, &block);
     if (status != FS_SUCCESS && create) {
       status = FS_HandCreateObj(hand_, &block, nullptr, RESTORE_OVERWRITE);
       if (status == FS_SUCCESS) status = FS_HandChangeIntoDDB(hand_, &block);
-      if (status == FS_SUCCESS && created) created(Components(dir.begin(), dir.begin() + k + 1));
+      made_above = status == FS_SUCCESS;
+      if (made_above && created) created(dir, k + 1);
     }
     FS_HandReleaseBlk(hand_, &block);
     if (status != FS_SUCCESS) {

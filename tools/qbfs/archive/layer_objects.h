@@ -53,9 +53,15 @@ FS_STATUS make_block(FSYS_HAND_STRUCT* hand, ObjectRecord const& record, std::ws
                      std::vector<unsigned char>& os_info, DBLK* out);
 // A directory block named `name` with nothing else known of it.
 FS_STATUS make_plain_directory(FSYS_HAND_STRUCT* hand, std::wstring const& name, DBLK* out);
+// The kind of block (DBLK_KIND_DDB, DBLK_KIND_FDB, ...) the file system
+// gives the object `name` of the handle's current directory as it is now;
+// 0 when there is none.
+int kind_of(FSYS_HAND_STRUCT* hand, std::wstring const& name);
 
 // Moves a handle between directories below its root by name, the way the
 // archive's objects come (depth first). Goes back to the root when destroyed.
+// Keeps one name per level of the current directory, nothing per directory
+// left behind.
 class HandleCursor {
  public:
   explicit HandleCursor(FSYS_HAND_STRUCT* hand) : hand_(hand) {}
@@ -65,9 +71,19 @@ class HandleCursor {
 
   // Makes `dir` (components below the root) the current directory. With
   // `create`, a missing directory is made as a plain one and `created` is
-  // told its path. False with `why` when a directory cannot be entered.
+  // told its path: the first `depth` components of `dir`. False with `why` when a directory cannot be entered.
+  // Costs a constant number of calls per name that differs from the
+  // current directory's path: below a directory it made, it makes the
+  // next one without first trying to enter it (a failure to enter is
+  // reported with the whole path, which a deep path would pay per level).
   bool go_to(Components const& dir, bool create, std::string& why,
-             std::function<void(Components const&)> const& created = nullptr);
+             std::function<void(Components const& dir, std::size_t depth)> const& created = nullptr) {
+    return go_to(dir, dir.size(), create, why, created);
+  }
+  // The same for the first `depth` components of `path` (an object's
+  // directory without a copy of its path).
+  bool go_to(Components const& path, std::size_t depth, bool create, std::string& why,
+             std::function<void(Components const& dir, std::size_t depth)> const& created = nullptr);
 
  private:
   FSYS_HAND_STRUCT* hand_;
