@@ -15,7 +15,7 @@ LayerSession::LayerSession(Options const& options) {
 
 LayerSession::~LayerSession() {
   // A failed start-up has torn itself down already.
-  if (usable()) FS_RemoveFileSys();
+  if (usable() && !leave_running_) FS_RemoveFileSys();
 }
 
 }  // namespace qbfs

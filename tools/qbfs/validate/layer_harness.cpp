@@ -62,23 +62,21 @@ std::string last_error_text(FSYS_HAND_STRUCT const* hand) {
 }
 
 LayerHarness::LayerHarness(ValidateOptions const& options, std::wstring const& extra_root)
-    : options_(options), roots_(options.roots) {
-  if (!extra_root.empty()) roots_.push_back(extra_root);
-  for (auto const& r : roots_) root_ptrs_.push_back(r.c_str());
-  root_ptrs_.push_back(nullptr);
-  cfg_.drive_scan_flag = options.drive_scan ? 1u : 0u;
-  cfg_.roots = roots_.empty() ? nullptr : root_ptrs_.data();
-  std::wstring const module = wide(options.module);
-  wchar_t const* names[] = {module.c_str(), nullptr};
+    : options_(options) {
+  layer_options_.modules = {wide(options.module)};
+  layer_options_.roots = options.roots;
+  if (!extra_root.empty()) layer_options_.roots.push_back(extra_root);
+  layer_options_.drive_scan = options.drive_scan;
   note_step("start-up (FS_InitFileSys: the module's GetTable and InitFileSys)");
-  start_status_ = FS_InitFileSys(&cfg_, ~0ull, names, 1);
+  layer_ = std::make_unique<LayerSession>(layer_options_);
+  layer_->leave_running();
   for (unsigned i = 0; i < FS_MAX_FSYS; ++i)
-    if (dlls[i] && dlls[i]->name == module) indices_.push_back(i);
+    if (dlls[i] && dlls[i]->name == layer_options_.modules.front()) indices_.push_back(i);
 }
 
 FS_STATUS LayerHarness::find_drives() {
   note_step("finding drives (FS_InitDleList: the module's FindDrives)");
-  return FS_InitDleList(&head_, &cfg_);
+  return FS_InitDleList(&head_, layer_->cfg());
 }
 
 std::vector<GENERIC_DLE*> LayerHarness::module_elements() const {

@@ -5,6 +5,7 @@
 // Nothing is torn down at the end: the child ends with _exit. Checks that
 // measure leaks tear down what they measure themselves.
 #pragma once
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -13,6 +14,8 @@
 #include <qbfsys/handles.h>
 #include <qbhost/qb_cfg.h>
 
+#include "../commands.h"
+#include "../layer_session.h"
 #include "validate_options.h"
 
 namespace qbfs::validate {
@@ -25,11 +28,11 @@ class LayerHarness {
   LayerHarness(LayerHarness const&) = delete;
   LayerHarness& operator=(LayerHarness const&) = delete;
 
-  FS_STATUS start_status() const { return start_status_; }
+  FS_STATUS start_status() const { return layer_->status(); }
   // The file-system indices whose table came from the module and survived
   // start-up.
   std::vector<unsigned> const& indices() const { return indices_; }
-  QB_CFG* cfg() { return &cfg_; }
+  QB_CFG* cfg() { return layer_->cfg(); }
 
   // Builds the DLE tree (FS_InitDleList) and returns its status.
   FS_STATUS find_drives();
@@ -42,10 +45,8 @@ class LayerHarness {
 
  private:
   ValidateOptions const& options_;
-  std::vector<std::wstring> roots_;
-  std::vector<wchar_t const*> root_ptrs_;
-  QB_CFG cfg_{};
-  FS_STATUS start_status_ = 0;
+  Options layer_options_;  // what the layer is started with; outlives layer_
+  std::unique_ptr<LayerSession> layer_;
   std::vector<unsigned> indices_;
   HEAD_DLE* head_ = nullptr;
 };
