@@ -1,6 +1,8 @@
 // Filling and reading the module's descriptor blocks.
 #include "posix_dblk.h"
 
+#include <unistd.h>
+
 #include <ctime>
 #include <cwchar>
 
@@ -34,6 +36,26 @@ _DATE_TIME utc_date(std::int64_t seconds, std::uint32_t nanos) {
   date.day_of_week = static_cast<std::uint8_t>(parts.tm_wday);
   date.ticks = static_cast<std::uint32_t>(nanos / kNanosPerTick);
   return date;
+}
+
+// Seconds and nanoseconds since 1970 of a UTC date; false when not set.
+bool utc_seconds(_DATE_TIME const& date, std::int64_t& seconds, std::uint32_t& nanos) {
+  constexpr std::uint32_t kTicksPerSecond = 10000000;
+  if (date.date_valid == 0 || date.month < 1 || date.month > 12 || date.day < 1 || date.day > 31 ||
+      date.hour > 23 || date.minute > 59 || date.second > 60 || date.ticks >= kTicksPerSecond)
+    return false;
+  struct tm parts {};
+  parts.tm_year = date.year - kTmYearBase;
+  parts.tm_mon = date.month - 1;
+  parts.tm_mday = date.day;
+  parts.tm_hour = date.hour;
+  parts.tm_min = date.minute;
+  parts.tm_sec = date.second;
+  std::time_t const t = timegm(&parts);
+  if (t == static_cast<std::time_t>(-1) && date.year != 1969) return false;
+  seconds = static_cast<std::int64_t>(t);
+  nanos = date.ticks * static_cast<std::uint32_t>(kNanosPerTick);
+  return true;
 }
 
 }  // namespace
@@ -108,6 +130,38 @@ bool posix_blk_name(DBLK const* blk, std::string& bytes) {
 bool posix_blk_info(DBLK const* blk, POSIX_OS_INFO& info) {
   return blk != nullptr && dblk_is_object(blk) &&
          posix_os_info_read(blk->os_info, blk->os_info_size, info);
+}
+
+}  // namespace qbposix
+
+namespace qbposix {
+
+bool posix_restore_info(DBLK const* blk, POSIX_OS_INFO& info) {
+  constexpr std::uint32_t kGenericDirMode = S_IFDIR | 0755;
+  constexpr std::uint32_t kGenericFileMode = S_IFREG | 0644;
+  if (blk == nullptr || !dblk_is_object(blk)) return false;
+  if (posix_blk_info(blk, info)) return true;
+  // A block under this module's own id without a record it can read is
+  // damaged or forged: refused, not filled in with defaults.
+  if (blk->os_id == POSIX_OS_ID) return false;
+  bool const directory = blk->blk_type == DBLK_KIND_DDB;
+  if (directory && (blk->os_info == nullptr || blk->os_info_size == 0)) return false;
+  info = POSIX_OS_INFO{};
+  info.version = POSIX_OS_INFO_VERSION;
+  info.mode = directory ? kGenericDirMode : kGenericFileMode;
+  info.uid = static_cast<std::uint32_t>(geteuid());
+  info.gid = static_cast<std::uint32_t>(getegid());
+  info.nlink = 1;
+  struct timespec now {};
+  clock_gettime(CLOCK_REALTIME, &now);
+  info.mtime_sec = info.atime_sec = info.ctime_sec = now.tv_sec;
+  info.mtime_nsec = info.atime_nsec = info.ctime_nsec = static_cast<std::uint32_t>(now.tv_nsec);
+  utc_seconds(blk->area.gen.mdate, info.mtime_sec, info.mtime_nsec);
+  if (!utc_seconds(blk->area.gen.adate, info.atime_sec, info.atime_nsec)) {
+    info.atime_sec = info.mtime_sec;
+    info.atime_nsec = info.mtime_nsec;
+  }
+  return true;
 }
 
 }  // namespace qbposix

@@ -36,4 +36,17 @@ bool posix_blk_name(DBLK const* blk, std::string& bytes);
 // The block's OS info record; false when it has none this module can use.
 bool posix_blk_info(DBLK const* blk, POSIX_OS_INFO& info);
 
+// The stat record a restore makes the object from. A block of this module
+// (its OS id and a record of a version it knows) gives its own record. A
+// file or directory block of another module, or one whose record this module
+// cannot read, gives a record made of the generic fields every block has: a
+// directory (kind 8) or a regular file (kind 9), permissions 0755 or 0644,
+// the restoring process's owner and group, and the block's modification and
+// access dates (UTC, to the 100-nanosecond tick; a date not set reads as the
+// time of the restore). False for a directory block without any OS info (a
+// directory made only to hold what lies below it), for a block under this
+// module's id without a record it can read (damaged or forged: refused
+// rather than filled in with defaults) and for other kinds.
+bool posix_restore_info(DBLK const* blk, POSIX_OS_INFO& info);
+
 }  // namespace qbposix

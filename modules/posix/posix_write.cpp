@@ -234,9 +234,9 @@ FS_STATUS posix_create_obj(FSYS_HAND_STRUCT* fsh, DBLK* blk, wchar_t const* name
   POSIX_OS_INFO info{};
   if (state == nullptr || !named) return FS_ERR_BAD_PARAMETER;
   auto shown = [&] { return posix_display_path(*state, bytes); };  // for reports only
-  if (!posix_blk_info(blk, info) && blk->blk_type == DBLK_KIND_DDB)
+  if (!posix_restore_info(blk, info) && blk->blk_type == DBLK_KIND_DDB)
     return create_plain_directory(fsh, *state, bytes);
-  if (!posix_blk_info(blk, info))
+  if (!posix_restore_info(blk, info))
     return posix_report(fsh, EINVAL, shown(), L"block carries no stat record to restore from");
   if (!kinds_agree(blk, info)) return posix_report(fsh, EINVAL, shown(), kKindsDisagree);
   int const dirfd = posix_current_fd(*state);
@@ -280,7 +280,7 @@ FS_STATUS posix_create_obj(FSYS_HAND_STRUCT* fsh, DBLK* blk, wchar_t const* name
 FS_STATUS posix_open_write(FSYS_HAND_STRUCT* fsh, PosixObject& obj, DBLK* blk) {
   PosixHandleState& state = *posix_state(fsh);
   if (!posix_blk_name(blk, obj.name)) return FS_ERR_BAD_PARAMETER;
-  if (!posix_blk_info(blk, obj.info))
+  if (!posix_restore_info(blk, obj.info))
     return posix_report(fsh, EINVAL, posix_object_path(obj),
                         L"block carries no stat record to restore from");
   if (!kinds_agree(blk, obj.info)) return posix_report(fsh, EINVAL, posix_object_path(obj), kKindsDisagree);

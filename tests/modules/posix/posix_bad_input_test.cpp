@@ -86,6 +86,7 @@ TEST_F(PosixBadInput, RestoreRefusesBlocksAndStreamsItCannotTrust) {
     req.dblk = req.gen.dblk = &blk;
     req.gen.name = L"victim";
     req.gen.name_size = sizeof L"victim";
+    req.gen.os_id = qbposix::POSIX_OS_ID;  // claims to be this module's
     req.gen.os_info = os_info;
     req.gen.os_info_size = os_info_size;
     ASSERT_EQ(FS_CreateGenDBLK(hand_, DBLK_KIND_FDB, &req), 0);
@@ -179,6 +180,68 @@ TEST(PosixMountPoints, AWalkStaysOnTheAttachedFileSystem) {
   EXPECT_EQ(messages.count(L"posix: /proc: another file system is mounted here; it is an element of its own and is not walked"), 2u);
   hand->funcTable->ReleaseBlk(hand, &blk);
   FS_DetachDLE(hand);
+}
+
+}  // namespace
+
+namespace {
+
+// Another module's objects restore from the generic fields of their blocks:
+// a regular file or a directory with ordinary permissions, the restoring
+// user as owner, and the block's modification date.
+TEST_F(PosixBadInput, AnotherModulesBlockRestoresFromItsGenericFields) {
+  constexpr std::uint8_t kOtherOsId = 99;
+  unsigned char other_info[] = {'m', 'e', 'm', 'f', 's'};
+  _DATE_TIME const mdate = {1, 2024, 2, 29, 13, 14, 15, 0, 0, 1234567};
+  struct Case {
+    char kind;
+    wchar_t const* name;
+    std::uint32_t type;
+    std::uint32_t permissions;
+  } const cases[] = {{DBLK_KIND_FDB, L"note.txt", S_IFREG, 0644}, {DBLK_KIND_DDB, L"folder", S_IFDIR, 0755}};
+  for (auto const& c : cases) {
+    SCOPED_TRACE(std::string(1, '0' + c.kind));
+    DBLK blk{};
+    _CREATE_DBLK req;
+    FS_SetDefaultDBLK(hand_, c.kind, 0, &req);
+    req.dblk = req.gen.dblk = &blk;
+    req.gen.name = c.name;
+    req.gen.name_size = static_cast<std::uint16_t>((std::wcslen(c.name) + 1) * sizeof(wchar_t));
+    req.gen.os_id = kOtherOsId;
+    req.gen.os_info = other_info;
+    req.gen.os_info_size = sizeof other_info;
+    req.gen.mdate = &mdate;
+    hand_->dle->date_conversion_off = 1;  // the date is taken as the media gives it (UTC)
+    ASSERT_EQ(FS_CreateGenDBLK(hand_, c.kind, &req), 0);
+    ASSERT_EQ(FS_HandCreateObj(hand_, &blk, nullptr, RESTORE_OVERWRITE), FS_SUCCESS) << qbtest::last_message(hand_);
+    _FILE_HAND_STRUCT* obj = nullptr;
+    ASSERT_EQ(FS_OpenObj(hand_, &obj, &blk, FS_WRITE), FS_SUCCESS) << qbtest::last_message(hand_);
+    if (c.kind == DBLK_KIND_FDB) {
+      STREAM_INFO header{};
+      header.id = qbposix::POSIX_STRM_DATA;
+      std::string data = "held in memory";
+      header.size = data.size();
+      unsigned size = static_cast<unsigned>(data.size()), need = 0;
+      ASSERT_EQ(FS_WriteObj(obj, reinterpret_cast<unsigned char*>(&data[0]), &size, &need, &header), FS_SUCCESS);
+    }
+    ASSERT_EQ(FS_CloseObj(obj, nullptr, nullptr), FS_SUCCESS) << qbtest::last_message(hand_);
+    FS_HandReleaseBlk(hand_, &blk);
+  }
+  FS_DetachDLE(hand_);  // directories get their metadata at detach
+  hand_ = session_->attach(root_);
+  for (auto const& c : cases) {
+    std::wstring const wide = c.name;
+    struct stat st {};
+    ASSERT_EQ(lstat((root_ + "/" + std::string(wide.begin(), wide.end())).c_str(), &st), 0);
+    EXPECT_EQ(st.st_mode & S_IFMT, c.type);
+    EXPECT_EQ(st.st_mode & 07777, c.permissions);
+    EXPECT_EQ(st.st_uid, geteuid());
+    EXPECT_EQ(st.st_mtim.tv_sec, 1709212455);  // 2024-02-29 13:14:15 UTC
+    EXPECT_EQ(st.st_mtim.tv_nsec, 123456700);
+    if (c.kind == DBLK_KIND_FDB) {
+      EXPECT_EQ(st.st_size, 14);
+    }
+  }
 }
 
 }  // namespace
