@@ -84,7 +84,7 @@ bool write_forged(ArchiveWriter& out, Forged const& o) {
   record.os_id = qbposix::POSIX_OS_ID;
   record.os_ver = qbposix::POSIX_OS_INFO_VERSION;
   record.os_info_size = sizeof info;
-  bool ok = out.begin_object(record, o.path, &info);
+  bool ok = out.begin_object(record, ObjectGeneric{}, o.path, &info);
   if (!o.data.empty()) {
     STREAM_INFO header{};
     header.id = STRM_GENERIC_DATA;

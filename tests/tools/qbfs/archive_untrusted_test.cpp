@@ -78,7 +78,7 @@ bool write_archive(std::string const& file, std::vector<Forged> const& objects) 
     record.os_ver = qbposix::POSIX_OS_INFO_VERSION;
     record.attrib1 = o.mode & 07777;
     record.os_info_size = sizeof info;
-    ok = ok && out.begin_object(record, o.path, &info);
+    ok = ok && out.begin_object(record, ObjectGeneric{}, o.path, &info);
     if (S_ISREG(o.mode)) {
       STREAM_INFO header{};
       header.id = STRM_GENERIC_DATA;

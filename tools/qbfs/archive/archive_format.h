@@ -18,12 +18,16 @@
 #include <cstdint>
 
 #include <qbfsys/stream_info.h>
+#include <qbhost/datetime.h>
 
 namespace qbfs::archive {
 
 // --- Archive header, at offset 0 ---
 constexpr unsigned char kArchiveMagic[8] = {'Q', 'B', 'F', 'S', 'A', 'R', 'C', 'H'};
-constexpr std::uint32_t kArchiveVersion = 1;
+// Version 2 adds the generic description (ObjectGeneric) to every object
+// record; readers still read version 1, whose records have none.
+constexpr std::uint32_t kArchiveVersion = 2;
+constexpr std::uint32_t kOldestArchiveVersion = 1;
 
 struct ArchiveHeader {
   unsigned char magic[8];    // kArchiveMagic
@@ -40,7 +44,7 @@ static_assert(offsetof(ArchiveHeader, crc) == 28, "archive header CRC");
 constexpr std::uint32_t kFrameMagic = 0x52464251;  // "QBFR"
 
 enum FrameKind : std::uint16_t {
-  FRAME_OBJECT = 1,  // payload: ObjectRecord, path bytes, OS info bytes
+  FRAME_OBJECT = 1,  // payload: ObjectRecord, ObjectGeneric (version 2), path bytes, OS info bytes
   FRAME_STREAM = 2,  // payload: one STREAM_INFO
   FRAME_DATA = 3,    // payload: bytes of the current stream
   FRAME_END = 4,     // payload: EndRecord
@@ -75,9 +79,27 @@ struct ObjectRecord {
 static_assert(sizeof(ObjectRecord) == 24, "object record");
 static_assert(offsetof(ObjectRecord, path_size) == 20, "object record sizes");
 
+// What the layer knows of every block, whatever module made it, so that a
+// listing, a comparison or a restore through another module has the
+// object's size and dates without reading the module's OS information.
+// Follows the ObjectRecord in a version-2 record. Dates are the block's, as
+// the layer hands them out (UTC); a date the module does not keep has
+// date_valid 0.
+struct ObjectGeneric {
+  std::uint64_t display_size;  // the block's display size
+  _DATE_TIME cdate;            // creation
+  _DATE_TIME mdate;            // modification
+  _DATE_TIME adate;            // access
+  _DATE_TIME bdate;            // backup
+};
+static_assert(sizeof(ObjectGeneric) == 72, "generic description");
+static_assert(offsetof(ObjectGeneric, mdate) == 24 && offsetof(ObjectGeneric, bdate) == 56,
+              "generic description dates");
+
 // The OS info of a block is at most what FS_GetOS_InfoFromDBLK copies.
 constexpr std::uint16_t kMaxOsInfo = 1024;
-constexpr std::uint32_t kMaxObjectPayload = sizeof(ObjectRecord) + 0xFFFFu + kMaxOsInfo;
+constexpr std::uint32_t kMaxObjectPayload =
+    sizeof(ObjectRecord) + sizeof(ObjectGeneric) + 0xFFFFu + kMaxOsInfo;
 
 // --- Checksum stream, closing each object ---
 constexpr std::uint32_t kDigestSize = 32;  // SHA-256

@@ -71,11 +71,14 @@ bool ArchiveReader::open(std::string& why) {
     why = "its header is damaged";
     return false;
   }
-  if (header.version != kArchiveVersion || header.size != sizeof header || header.flags != 0) {
+  if (header.version < kOldestArchiveVersion || header.version > kArchiveVersion ||
+      header.size != sizeof header || header.flags != 0) {
     why = "it is an archive of version " + std::to_string(header.version) +
-          ", this reader knows version " + std::to_string(kArchiveVersion);
+          ", this reader knows versions " + std::to_string(kOldestArchiveVersion) + " to " +
+          std::to_string(kArchiveVersion);
     return false;
   }
+  version_ = header.version;
   begin_ += sizeof header;
   return true;
 }
@@ -187,21 +190,23 @@ Event ArchiveReader::start_object(FrameHeader const& header) {
   ++summary_.objects;
   ObjectRecord record{};
   std::memcpy(&record, payload, sizeof record);
+  // A version-2 record carries the generic description after the record.
+  bool const has_generic = version_ >= 2;
+  std::size_t const fixed = sizeof record + (has_generic ? sizeof(ObjectGeneric) : 0);
   std::string why;
-  if (sizeof record + record.path_size + record.os_info_size != header.length ||
+  if (header.length < fixed || fixed + record.path_size + record.os_info_size != header.length ||
       record.os_info_size > kMaxOsInfo) {
     why = "its sizes do not add up";
   } else if (record.blk_type != DBLK_KIND_DDB && record.blk_type != DBLK_KIND_FDB) {
     why = "its kind " + std::to_string(record.blk_type) + " is not a directory or a file";
   }
-  std::string path(reinterpret_cast<char const*>(payload) + sizeof record,
-                   why.empty() ? record.path_size : 0);
+  std::string path(reinterpret_cast<char const*>(payload) + fixed, why.empty() ? record.path_size : 0);
   Components components;
   if (why.empty() && !decode_path(path, components, why)) why = "\"" + display_path(path) + "\": " + why;
   // We refuse a record whose kind and OS information disagree: a restore
   // decides by the kind, the module makes what the OS information says.
   if (why.empty()) {
-    why = kinds_disagree(record, payload + sizeof record + record.path_size);
+    why = kinds_disagree(record, payload + fixed + record.path_size);
     if (!why.empty()) why = "\"" + display_path(path) + "\": " + why;
   }
   if (!why.empty()) {
@@ -216,8 +221,11 @@ Event ArchiveReader::start_object(FrameHeader const& header) {
   object_.record = record;
   object_.path = std::move(path);
   object_.components = std::move(components);
-  unsigned char const* info = payload + sizeof record + record.path_size;
+  unsigned char const* info = payload + fixed + record.path_size;
   object_.os_info.assign(info, info + record.os_info_size);
+  object_.generic = ObjectGeneric{};
+  object_.has_generic = has_generic;
+  if (has_generic) std::memcpy(&object_.generic, payload + sizeof record, sizeof object_.generic);
   object_digest_.reset();
   object_digest_.add(payload, header.length);
   begin_ += sizeof header + header.length;

@@ -30,6 +30,8 @@ struct ObjectEntry {
   std::string path;          // as stored
   Components components;     // decoded path
   std::vector<unsigned char> os_info;
+  ObjectGeneric generic{};   // all zero in a version-1 archive
+  bool has_generic = false;  // the record carried it (version 2)
 };
 
 enum class EventKind {
@@ -90,6 +92,7 @@ class ArchiveReader {
   std::size_t begin_ = 0, end_ = 0;  // unread bytes of buffer_
   std::uint64_t base_ = 0;           // archive offset of buffer_[0]
   bool eof_ = false;
+  std::uint32_t version_ = kArchiveVersion;  // of the archive being read
   State state_ = State::between;
   ObjectEntry object_;
   EndState summary_;

@@ -45,7 +45,8 @@ bool ArchiveWriter::begin() {
   return put(&header, sizeof header);
 }
 
-bool ArchiveWriter::begin_object(ObjectRecord record, std::string const& path, void const* os_info) {
+bool ArchiveWriter::begin_object(ObjectRecord record, ObjectGeneric const& generic,
+                                 std::string const& path, void const* os_info) {
   if (path.size() > 0xFFFFu || record.os_info_size > kMaxOsInfo) {
     error_ = "the object's path or OS information is too long for the archive";
     return false;
@@ -53,11 +54,13 @@ bool ArchiveWriter::begin_object(ObjectRecord record, std::string const& path, v
   record.number = objects_;
   record.path_size = static_cast<std::uint16_t>(path.size());
   std::vector<unsigned char>& payload = record_;
-  payload.resize(sizeof record + path.size() + record.os_info_size);
+  std::size_t const fixed = sizeof record + sizeof generic;
+  payload.resize(fixed + path.size() + record.os_info_size);
   std::memcpy(payload.data(), &record, sizeof record);
-  std::memcpy(payload.data() + sizeof record, path.data(), path.size());
+  std::memcpy(payload.data() + sizeof record, &generic, sizeof generic);
+  std::memcpy(payload.data() + fixed, path.data(), path.size());
   if (record.os_info_size > 0)
-    std::memcpy(payload.data() + sizeof record + path.size(), os_info, record.os_info_size);
+    std::memcpy(payload.data() + fixed + path.size(), os_info, record.os_info_size);
   object_.reset();
   object_.add(payload.data(), payload.size());
   in_object_ = true;

@@ -22,9 +22,10 @@ class ArchiveWriter {
 
   // Every call returns false once writing failed; error() then says why.
   bool begin();
-  // Starts an object: its record (number, sizes filled in here), its path
-  // (encode_path) and OS info.
-  bool begin_object(ObjectRecord record, std::string const& path, void const* os_info);
+  // Starts an object: its record (number, sizes filled in here), its
+  // generic description, its path (encode_path) and OS info.
+  bool begin_object(ObjectRecord record, ObjectGeneric const& generic, std::string const& path,
+                    void const* os_info);
   // Starts a stream of the current object; its data follows through data().
   bool begin_stream(STREAM_INFO const& header);
   bool data(void const* bytes, std::size_t size);

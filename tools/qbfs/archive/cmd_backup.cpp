@@ -99,7 +99,7 @@ class BackupJob {
       record.blk_type = DBLK_KIND_DDB;
       std::string bytes;
       encode_path(path, bytes);
-      if (!out_.begin_object(record, bytes, nullptr) || !out_.end_object(false)) return;
+      if (!out_.begin_object(record, ObjectGeneric{}, bytes, nullptr) || !out_.end_object(false)) return;
       ++objects_;
     }
     walk(path);
@@ -192,7 +192,7 @@ class BackupJob {
       return;
     }
     record.os_info_size = static_cast<std::uint16_t>(info.size());
-    if (!out_.begin_object(record, bytes, info.data())) return;
+    if (!out_.begin_object(record, generic_description(hand_, blk), bytes, info.data())) return;
     ++objects_;
     std::string const why = streams ? copy_streams(blk) : std::string();
     if (!why.empty()) fail(path, why);

@@ -31,7 +31,8 @@ constexpr char kHelp[] =
     "Lists the objects of ARCHIVE ('-' reads standard input).\n"
     "\n"
     "  -l, --long   type and permissions, owner/group, size, modification\n"
-    "               time and link targets\n"
+    "               time and link targets; for other modules' objects the\n"
+    "               type, attribute word, size and modification time\n"
     "\n"
     "Exit status: 0 when the archive is whole, 1 when it is damaged, 2 on\n"
     "bad usage.\n";
@@ -49,6 +50,26 @@ std::string long_line(ObjectEntry const& entry, std::string const& symlink, std:
     if (localtime_r(&when, &local) != nullptr) std::strftime(date, sizeof date, "%Y-%m-%d %H:%M", &local);
     std::snprintf(text, sizeof text, "%s %5u/%-5u %12llu %s ", mode_text(info.mode).c_str(), info.uid, info.gid,
                   static_cast<unsigned long long>(S_ISREG(info.mode) ? info.size : 0), date);
+  } else if (entry.has_generic) {
+    // Another module's object: what every block carries. Its attribute word
+    // stands where the owner would; its date is shown in local time as the
+    // posix objects' are.
+    char date[32] = "?";
+    _DATE_TIME const& m = entry.generic.mdate;
+    if (m.date_valid != 0) {
+      std::tm utc{};
+      utc.tm_year = m.year - 1900;
+      utc.tm_mon = m.month - 1;
+      utc.tm_mday = m.day;
+      utc.tm_hour = m.hour;
+      utc.tm_min = m.minute;
+      utc.tm_sec = m.second;
+      std::time_t const when = timegm(&utc);
+      std::tm local{};
+      if (localtime_r(&when, &local) != nullptr) std::strftime(date, sizeof date, "%Y-%m-%d %H:%M", &local);
+    }
+    std::snprintf(text, sizeof text, "%-10s  0x%08X %12llu %s ", entry.record.blk_type == DBLK_KIND_DDB ? "d" : "-",
+                  entry.record.attrib1, static_cast<unsigned long long>(entry.generic.display_size), date);
   } else {
     std::snprintf(text, sizeof text, "%-10s %11s %12s %16s ", entry.record.blk_type == DBLK_KIND_DDB ? "d" : "-",
                   "?", "?", "?");

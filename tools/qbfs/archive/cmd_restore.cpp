@@ -144,7 +144,8 @@ class RestoreJob {
     if (!cursor_.go_to(entry.components, entry.components.size() - 1, true, why, note))
       return fail(entry.components, why);
     blk_ = DBLK{};
-    FS_STATUS status = make_block(hand_, entry.record, entry.components.back(), info_, &blk_);
+    FS_STATUS status = make_block(hand_, entry.record, entry.has_generic ? &entry.generic : nullptr,
+                                  entry.components.back(), info_, &blk_);
     made_ = status == FS_SUCCESS;
     if (status == FS_SUCCESS) status = FS_HandCreateObj(hand_, &blk_, nullptr, RESTORE_OVERWRITE);
     created_ = made_ && status == FS_SUCCESS;
@@ -274,6 +275,9 @@ int cmd_restore(Options const& options, int argc, char** argv) {
       console.message("cannot restore into '" + directory + "': " + why);
       rc = 1;
     } else {
+      // The archive keeps every date in UTC, as the layer hands dates out;
+      // the blocks a restore builds take them as they are, not as local time.
+      if (hand->dle != nullptr) hand->dle->date_conversion_off = 1;
       {
         // The job steps its handle back to the root when it ends, so it
         // ends before the handle is detached.

@@ -94,8 +94,25 @@ std::string failure_text(FSYS_HAND_STRUCT* hand, FS_STATUS status) {
   return describe_status(status);
 }
 
-FS_STATUS make_block(FSYS_HAND_STRUCT* hand, ObjectRecord const& record, std::wstring const& name,
-                     std::vector<unsigned char>& os_info, DBLK* out) {
+ObjectGeneric generic_description(FSYS_HAND_STRUCT* hand, DBLK* blk) {
+  constexpr int kRead = 0;
+  ObjectGeneric generic{};
+  FS_STATUS const size = FS_HandGetDisplaySizeDBLK(hand, blk);
+  // The refusals of an empty slot or a bad block describe nothing.
+  bool const refused = size == FS_ERR_UNIMPLEMENTED || size == FS_ERR_BAD_PARAMETER || size == FS_ERR_NOT_SUPPORTED;
+  generic.display_size = refused ? 0 : size;
+  _DATE_TIME* const dates[] = {&generic.cdate, &generic.mdate, &generic.adate, &generic.bdate};
+  FS_STATUS const status[] = {FS_HandGetCDateDBLK(hand, blk, dates[0]),
+                              FS_HandGetMDateDBLK(hand, blk, dates[1]),
+                              FS_HandModADateDBLK(hand, kRead, blk, dates[2]),
+                              FS_HandModBDateDBLK(hand, kRead, blk, dates[3])};
+  for (std::size_t i = 0; i < 4; ++i)
+    if (status[i] != FS_SUCCESS) *dates[i] = _DATE_TIME{};
+  return generic;
+}
+
+FS_STATUS make_block(FSYS_HAND_STRUCT* hand, ObjectRecord const& record, ObjectGeneric const* generic,
+                     std::wstring const& name, std::vector<unsigned char>& os_info, DBLK* out) {
   // The request counts the name's bytes in 16 bits: a longer name (only a
   // hostile archive has one) would reach the module cut short.
   if ((name.size() + 1) * sizeof(wchar_t) > 0xFFFFu) return FS_ERR_NAME_TOO_LONG;
@@ -110,6 +127,13 @@ FS_STATUS make_block(FSYS_HAND_STRUCT* hand, ObjectRecord const& record, std::ws
   request.gen.os_info_size = static_cast<std::uint16_t>(os_info.size());
   request.gen.media_attrib = record.attrib1;
   request.gen.attrib2 = record.attrib2;
+  if (generic != nullptr) {
+    request.gen.display_size = generic->display_size;
+    request.gen.cdate = &generic->cdate;
+    request.gen.mdate = &generic->mdate;
+    request.gen.adate = &generic->adate;
+    request.gen.bdate = &generic->bdate;
+  }
   return FS_CreateGenDBLK(hand, record.blk_type, &request);
 }
 
@@ -117,7 +141,7 @@ FS_STATUS make_plain_directory(FSYS_HAND_STRUCT* hand, std::wstring const& name,
   ObjectRecord record{};
   record.blk_type = DBLK_KIND_DDB;
   std::vector<unsigned char> none;
-  return make_block(hand, record, name, none, out);
+  return make_block(hand, record, nullptr, name, none, out);
 }
 
 int kind_of(FSYS_HAND_STRUCT* hand, std::wstring const& name) {

@@ -42,15 +42,21 @@ class RootSession {
   std::string error_;
 };
 
+// What the layer knows of every block (display size, the four dates), asked
+// through the handle; a date the module does not give stays unset.
+ObjectGeneric generic_description(FSYS_HAND_STRUCT* hand, DBLK* blk);
 // The object's name (no path) as the file system gives it.
 std::wstring object_name(FSYS_HAND_STRUCT* hand, DBLK* blk);
 // The handle's last error in words (escaped for the terminal: a module's
 // text quotes names as they are), else `status` in words.
 std::string failure_text(FSYS_HAND_STRUCT* hand, FS_STATUS status);
 // Builds a block of `hand` for an object named `name` described by
-// `record` and `os_info` (which must outlive the block), as a restore does.
-FS_STATUS make_block(FSYS_HAND_STRUCT* hand, ObjectRecord const& record, std::wstring const& name,
-                     std::vector<unsigned char>& os_info, DBLK* out);
+// `record`, `generic` (null: none, as in a version-1 archive) and `os_info`
+// (which must outlive the block), as a restore does: through
+// FS_CreateGenDBLK, so the target's module gets the generic fields to fall
+// back on when the OS information is another module's.
+FS_STATUS make_block(FSYS_HAND_STRUCT* hand, ObjectRecord const& record, ObjectGeneric const* generic,
+                     std::wstring const& name, std::vector<unsigned char>& os_info, DBLK* out);
 // A directory block named `name` with nothing else known of it.
 FS_STATUS make_plain_directory(FSYS_HAND_STRUCT* hand, std::wstring const& name, DBLK* out);
 // The kind of block (DBLK_KIND_DDB, DBLK_KIND_FDB, ...) the file system
