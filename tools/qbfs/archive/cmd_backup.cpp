@@ -1,10 +1,19 @@
 // `qbfs backup [--exclude PATTERN]... [--exclude-from FILE] SRC... -o ARCHIVE`
 //
-// Each source directory is attached through the layer and walked depth
-// first; each object goes into the archive as its record and the streams
-// the module delivers. A source appears in the archive under its own name
-// (backing up /usr/share/doc gives doc/...), so several sources can share
-// an archive; their names must differ.
+// A SRC that names an existing local directory is offered to the modules as
+// a root; any other SRC names an element of the tree the loaded modules
+// build, as `qbfs tree --brief` prints it: its device name, else its simple
+// or alternate name. Each source's element is attached through the layer
+// and walked depth first; each object goes into the archive as its record
+// and the streams the module delivers. A directory appears in the archive
+// under its own name (backing up /usr/share/doc gives doc/...); an element
+// under its simple name, else the last '/'-separated component of its
+// device name. Several sources can share an archive; their names must
+// differ.
+//
+// Every source is found and attached before the archive is created, so a
+// backup that cannot start (an unknown source, an element that cannot be
+// attached, a layer that does not start) leaves no archive file behind.
 //
 // Exclusion patterns become exclusion rules of each source's element and
 // the layer decides with them: FS_GetSpecialAttribs marks a file. A
@@ -47,8 +56,14 @@ constexpr char kCommand[] = "qbfs backup";
 constexpr char kHelp[] =
     "usage: qbfs backup [options] SRC... -o ARCHIVE\n"
     "\n"
-    "Backs up the directories SRC through the layer into ARCHIVE ('-' writes\n"
-    "to standard output). Each SRC is stored under its own name.\n"
+    "Backs up each SRC through the layer into ARCHIVE ('-' writes to standard\n"
+    "output). A SRC that is an existing directory is backed up as that\n"
+    "directory and stored under its own name. Any other SRC names an element\n"
+    "as 'qbfs tree --brief' prints it (its device name; its simple or\n"
+    "alternate name also works) of the tree the loaded modules (-m) build;\n"
+    "it is stored under the element's simple name, else the last\n"
+    "'/'-separated component of its device name. Nothing is written when a\n"
+    "SRC is neither.\n"
     "\n"
     "  -o, --output ARCHIVE    where to write the archive (required)\n"
     "  --exclude PATTERN       leave out what PATTERN names (repeatable)\n"
@@ -207,6 +222,9 @@ class BackupJob {
     _FILE_HAND_STRUCT* obj = nullptr;
     FS_STATUS status = FS_OpenObj(hand_, &obj, blk, FS_READ);
     if (status == FS_ERR_OBJ_NO_DATA) return {};
+    // A directory's streams are optional: a module that does not open
+    // directories (the walk still enters them) has nothing to give for one.
+    if (status == FS_ERR_NOT_SUPPORTED && blk->blk_type == DBLK_KIND_DDB) return {};
     if (status != FS_SUCCESS) return failure_text(hand_, status);
     STREAM_INFO link{};
     std::string link_target;
@@ -273,6 +291,67 @@ std::wstring base_name(std::string const& path) {
   return widen(slash == std::string::npos ? path : path.substr(slash + 1));
 }
 
+// One SOURCE of the command line: a directory offered as root `root`, or
+// an element's name; once attached, its element and handle.
+struct Source {
+  std::string text;
+  bool directory;
+  std::size_t root;
+  std::wstring base;  // the name its objects are stored under
+  GENERIC_DLE* dle;
+  FSYS_HAND_STRUCT* hand;
+};
+
+// Finds each source's element, gives it the exclusion rules and attaches
+// it; 0, or 1 after saying why not (handles attached so far are left in
+// `plan` for the caller to detach).
+int attach_sources(RootSession& session, std::vector<Rule> const& rules, std::vector<Source>& plan,
+                   Console& console) {
+  if (!session.error().empty()) {
+    console.message(session.error());
+    return 1;
+  }
+  for (Source& src : plan) {
+    std::string const shown = terminal_text(src.text);
+    src.dle = src.directory ? session.dle(src.root) : session.find_element(widen(src.text));
+    if (src.dle == nullptr && !src.directory) {
+      console.message("cannot back up '" + shown +
+                      "': it is neither a directory nor an element `qbfs tree` lists");
+      return 1;
+    }
+    if (!src.directory) {
+      src.base = element_base_name(src.dle);
+      if (src.base.empty() || src.base == L"." || src.base == L"..") {
+        console.message("cannot back up '" + shown + "': its element gives no name to store it under");
+        return 1;
+      }
+    }
+    for (Source const& other : plan) {
+      if (&other == &src) break;
+      if (other.base == src.base) {
+        console.message("two sources are named '" + narrow(src.base) + "'; an archive holds each under its name");
+        return 1;
+      }
+    }
+    for (std::size_t r = 0; src.dle != nullptr && r < rules.size(); ++r) {
+      DLE_RULE_KIND const kind = has_wildcard(rules[r].pattern) ? DLE_RULE_PATTERN : DLE_RULE_PATH;
+      FS_STATUS const added = DLE_AddSpecObj(src.dle, rules[r].pattern.c_str(), kind, rules[r].reason);
+      if (added != FS_SUCCESS) {
+        console.message("the pattern '" + narrow(rules[r].pattern) + "' cannot be used: " +
+                        failure_text(nullptr, added));
+        return 1;
+      }
+    }
+    std::string why;
+    src.hand = src.directory ? session.attach(src.root, why) : session.attach_element(src.dle, why);
+    if (src.hand == nullptr) {
+      console.message("cannot back up '" + shown + "': " + why);
+      return 1;
+    }
+  }
+  return 0;
+}
+
 }  // namespace
 
 int cmd_backup(Options const& options, int argc, char** argv) {
@@ -303,70 +382,69 @@ int cmd_backup(Options const& options, int argc, char** argv) {
     }
   }
   if (output.empty()) return usage_error(kCommand, "no archive given (-o ARCHIVE, or -o - for standard output)");
-  if (sources.empty()) return usage_error(kCommand, "no source directory given");
+  if (sources.empty()) return usage_error(kCommand, "no source given");
+  // A source that names a directory is offered to the modules as a root;
+  // any other is an element's name, looked up once the tree is built.
   std::vector<std::string> roots;
-  std::vector<std::wstring> bases;
+  std::vector<Source> plan;
   for (std::string const& s : sources) {
+    struct stat st {};
+    if (stat(s.c_str(), &st) != 0 || !S_ISDIR(st.st_mode)) {
+      plan.push_back({s, false, 0, {}, nullptr, nullptr});
+      continue;
+    }
     std::string resolved;
     if (int const rc = resolve_directory(kCommand, s, resolved)) return rc;
     std::wstring const base = base_name(resolved);
     if (base.empty())
       return usage_error(kCommand, "the source '" + s + "' is the root directory; name the directories below it");
-    for (std::wstring const& b : bases)
-      if (b == base)
+    for (Source const& other : plan)
+      if (other.directory && other.base == base)
         return usage_error(kCommand, "two sources are named '" + narrow(base) + "'; an archive holds each under its name");
+    plan.push_back({resolved, true, roots.size(), base, nullptr, nullptr});
     roots.push_back(resolved);
-    bases.push_back(base);
   }
+  // Roots the user offered with --root stay offered, so that the elements
+  // `qbfs --root DIR tree` lists can be named here too.
+  for (std::wstring const& r : options.roots) roots.push_back(narrow(r));
+
+  Console console(kCommand, quiet, verbose);
+  RootSession session(options, roots);
+  // Everything that can keep the backup from starting is settled before
+  // the archive is created: a backup that cannot start leaves no file.
+  int rc = attach_sources(session, rules, plan, console);
+  if (rc != 0) {
+    for (Source& src : plan)
+      if (src.hand != nullptr) FS_DetachDLE(src.hand);
+    return rc;
+  }
+
   int fd = STDOUT_FILENO;
   if (output == "-") {
-    if (isatty(STDOUT_FILENO) == 1)
-      return usage_error(kCommand, "standard output is a terminal; redirect it or use -o FILE");
+    if (isatty(STDOUT_FILENO) == 1) rc = usage_error(kCommand, "standard output is a terminal; redirect it or use -o FILE");
   } else {
     fd = open(output.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
     if (fd < 0) {
       char const* const reason = std::strerror(errno);
       std::fprintf(stderr, "%s: cannot create the archive '%s': %s\n", kCommand, terminal_text(output).c_str(), reason);
-      return 1;
+      rc = 1;
     }
+  }
+  if (rc != 0) {
+    for (Source& src : plan) FS_DetachDLE(src.hand);
+    return rc;
   }
   struct stat archive {};
   bool const regular = fstat(fd, &archive) == 0 && S_ISREG(archive.st_mode);
 
-  Console console(kCommand, quiet, verbose);
   ArchiveWriter writer(fd);
   BackupJob job(writer, console, verbose, regular ? &archive : nullptr);
-  int rc = 0;
-  {
-    RootSession session(options, roots);
-    if (!session.error().empty()) {
-      console.message(session.error());
-      rc = 1;
-    }
-    if (rc == 0) writer.begin();
-    for (std::size_t i = 0; rc == 0 && i < roots.size() && writer.error().empty(); ++i) {
-      std::string why;
-      GENERIC_DLE* dle = session.dle(i);
-      for (std::size_t r = 0; dle != nullptr && r < rules.size() && rc == 0; ++r) {
-        DLE_RULE_KIND const kind = has_wildcard(rules[r].pattern) ? DLE_RULE_PATTERN : DLE_RULE_PATH;
-        FS_STATUS const added = DLE_AddSpecObj(dle, rules[r].pattern.c_str(), kind, rules[r].reason);
-        if (added != FS_SUCCESS) {
-          console.message("the pattern '" + narrow(rules[r].pattern) + "' cannot be used: " +
-                          failure_text(nullptr, added));
-          rc = 1;
-        }
-      }
-      FSYS_HAND_STRUCT* hand = rc == 0 ? session.attach(i, why) : nullptr;
-      if (hand == nullptr) {
-        if (rc == 0) console.message("cannot back up '" + roots[i] + "': " + why);
-        rc = 1;
-        break;
-      }
-      job.run(hand, dle, bases[i]);
-      FS_DetachDLE(hand);
-    }
+  writer.begin();
+  for (Source& src : plan) {
+    if (writer.error().empty()) job.run(src.hand, src.dle, src.base);
+    FS_DetachDLE(src.hand);
   }
-  if (rc == 0) writer.finish();
+  writer.finish();
   if (!writer.error().empty()) {
     console.message("cannot write the archive '" + output + "': " + writer.error());
     rc = 1;
@@ -375,7 +453,7 @@ int cmd_backup(Options const& options, int argc, char** argv) {
     console.message("cannot write the archive '" + output + "': " + std::strerror(errno));
     rc = 1;
   }
-  if (rc == 0 && job.failed_ > 0) rc = 1;
+  if (job.failed_ > 0) rc = 1;
   std::string const rest = grouped(job.excluded_) + " excluded, " + grouped(job.failed_) + " failed";
   console.summary(job.objects_, job.bytes_, rest, stderr);
   return rc;

@@ -29,7 +29,32 @@ GENERIC_DLE* find_root(_Q_HEADER const& list, std::wstring const& path) {
   return nullptr;
 }
 
+enum class NameKind { device, other };
+
+GENERIC_DLE* find_named(_Q_HEADER const& list, std::wstring const& name, NameKind kind) {
+  for (_Q_ELEM* e = list.q_head; e != nullptr; e = e->q_next) {
+    auto* dle = reinterpret_cast<GENERIC_DLE*>(e);
+    bool const match = kind == NameKind::device
+                           ? dle->device_name != nullptr && name == dle->device_name
+                           : (dle->simple_name != nullptr && name == dle->simple_name) ||
+                                 (dle->alt_name != nullptr && name == dle->alt_name);
+    if (match) return dle;
+    if (GENERIC_DLE* below = find_named(dle->child_q, name, kind)) return below;
+  }
+  return nullptr;
+}
+
 }  // namespace
+
+std::wstring element_base_name(GENERIC_DLE const* element) {
+  if (element == nullptr) return {};
+  if (element->simple_name != nullptr && element->simple_name[0] != L'\0') return element->simple_name;
+  if (element->device_name == nullptr) return {};
+  std::wstring device = element->device_name;
+  while (!device.empty() && device.back() == L'/') device.pop_back();
+  std::size_t const slash = device.find_last_of(L'/');
+  return slash == std::wstring::npos ? device : device.substr(slash + 1);
+}
 
 std::string narrow(std::wstring const& text) { return wcstring(text).to_utf8(); }
 std::wstring widen(std::string const& text) { return wcstring::from_utf8(text.data(), text.size()); }
@@ -60,8 +85,17 @@ GENERIC_DLE* RootSession::dle(std::size_t i) const {
   return head_ == nullptr || i >= roots_.size() ? nullptr : find_root(head_->dle_q, roots_[i]);
 }
 
-FSYS_HAND_STRUCT* RootSession::attach(std::size_t i, std::string& why) {
-  GENERIC_DLE* element = dle(i);
+GENERIC_DLE* RootSession::find_element(std::wstring const& name) const {
+  if (head_ == nullptr || name.empty()) return nullptr;
+  // A device name is unique in the tree; simple and alternate names are
+  // only tried when no device name matches, so they never shadow one.
+  if (GENERIC_DLE* dle = find_named(head_->dle_q, name, NameKind::device)) return dle;
+  return find_named(head_->dle_q, name, NameKind::other);
+}
+
+FSYS_HAND_STRUCT* RootSession::attach(std::size_t i, std::string& why) { return attach_element(dle(i), why); }
+
+FSYS_HAND_STRUCT* RootSession::attach_element(GENERIC_DLE* element, std::string& why) {
   if (element == nullptr) {
     why = options_.modules.empty() ? "no module is loaded"
                                    : "no module offers it as a backup element";

@@ -18,7 +18,8 @@
 namespace qbfs::archive {
 
 // Starts the layer with `roots` (absolute directory paths) as the modules'
-// roots and builds the tree.
+// roots and builds the tree. Besides the roots, any element of the tree can
+// be looked up by name (find_element) and attached.
 class RootSession {
  public:
   RootSession(Options const& options, std::vector<std::string> const& roots);
@@ -33,6 +34,13 @@ class RootSession {
   // A handle attached to root `i`; null with `why` filled when that fails.
   // The caller detaches it (FS_DetachDLE).
   FSYS_HAND_STRUCT* attach(std::size_t i, std::string& why);
+  // The element of the tree named `name`, or null: the first whose device
+  // name (as `qbfs tree --brief` prints it) is `name`, else the first whose
+  // simple or alternate name is. The session owns it.
+  GENERIC_DLE* find_element(std::wstring const& name) const;
+  // A handle attached to `element` (of this session's tree); null with
+  // `why` filled when that fails. The caller detaches it (FS_DetachDLE).
+  FSYS_HAND_STRUCT* attach_element(GENERIC_DLE* element, std::string& why);
 
  private:
   Options options_;
@@ -41,6 +49,11 @@ class RootSession {
   std::vector<std::wstring> roots_;
   std::string error_;
 };
+
+// The name an element's objects are stored under in an archive: its simple
+// name when it has one, else the last '/'-separated component of its device
+// name (trailing '/' ignored). Empty when neither gives a name.
+std::wstring element_base_name(GENERIC_DLE const* element);
 
 // What the layer knows of every block (display size, the four dates), asked
 // through the handle; a date the module does not give stays unset.
