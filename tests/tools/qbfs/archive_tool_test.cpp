@@ -510,9 +510,9 @@ INSTANTIATE_TEST_SUITE_P(
     ::testing::Values(
         usage_case{"backup @/src", 2, "qbfs backup: no archive given (-o ARCHIVE, or -o - for standard output)"},
         usage_case{"backup @/src -o", 2, "qbfs backup: -o needs a value"},
-        usage_case{"backup -o @/a.qba", 2, "qbfs backup: no source directory given"},
+        usage_case{"backup -o @/a.qba", 2, "qbfs backup: no source given"},
         usage_case{"backup --frob @/src -o @/a.qba", 2, "qbfs backup: unknown option --frob"},
-        usage_case{"backup @/src/f -o @/a.qba", 1, "'@/src/f': it is not a directory"},
+        usage_case{"backup @/src/f -o @/a.qba", 1, "'@/src/f': it is neither a directory nor an element"},
         usage_case{"backup @/src @/src -o @/a.qba", 2, "two sources are named 'src'"},
         usage_case{"backup --exclude-from @/none @/src -o @/a.qba", 1,
                    "cannot read the exclusion file '@/none': No such file or directory"},
