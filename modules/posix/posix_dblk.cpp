@@ -136,7 +136,7 @@ bool posix_blk_info(DBLK const* blk, POSIX_OS_INFO& info) {
 
 namespace qbposix {
 
-bool posix_restore_info(DBLK const* blk, POSIX_OS_INFO& info) {
+bool posix_restore_info(DBLK const* blk, POSIX_OS_INFO& info, bool plain_directory_too) {
   constexpr std::uint32_t kGenericDirMode = S_IFDIR | 0755;
   constexpr std::uint32_t kGenericFileMode = S_IFREG | 0644;
   if (blk == nullptr || !dblk_is_object(blk)) return false;
@@ -145,7 +145,8 @@ bool posix_restore_info(DBLK const* blk, POSIX_OS_INFO& info) {
   // damaged or forged: refused, not filled in with defaults.
   if (blk->os_id == POSIX_OS_ID) return false;
   bool const directory = blk->blk_type == DBLK_KIND_DDB;
-  if (directory && (blk->os_info == nullptr || blk->os_info_size == 0)) return false;
+  if (directory && !plain_directory_too && (blk->os_info == nullptr || blk->os_info_size == 0))
+    return false;
   info = POSIX_OS_INFO{};
   info.version = POSIX_OS_INFO_VERSION;
   info.mode = directory ? kGenericDirMode : kGenericFileMode;

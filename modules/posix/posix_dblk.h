@@ -43,10 +43,13 @@ bool posix_blk_info(DBLK const* blk, POSIX_OS_INFO& info);
 // directory (kind 8) or a regular file (kind 9), permissions 0755 or 0644,
 // the restoring process's owner and group, and the block's modification and
 // access dates (UTC, to the 100-nanosecond tick; a date not set reads as the
-// time of the restore). False for a directory block without any OS info (a
-// directory made only to hold what lies below it), for a block under this
-// module's id without a record it can read (damaged or forged: refused
-// rather than filled in with defaults) and for other kinds.
-bool posix_restore_info(DBLK const* blk, POSIX_OS_INFO& info);
+// time of the restore). False for a block under this module's id without a
+// record it can read (damaged or forged: refused rather than filled in with
+// defaults), for other kinds, and, unless `plain_directory_too`, for a
+// directory block without any OS info: creating one makes a plain directory
+// that never replaces what holds its name (a directory made only to hold
+// what lies below it); opening one (another module that keeps no OS info for
+// directories) gives it the generic record, so its dates are set.
+bool posix_restore_info(DBLK const* blk, POSIX_OS_INFO& info, bool plain_directory_too = false);
 
 }  // namespace qbposix

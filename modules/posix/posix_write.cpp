@@ -280,7 +280,7 @@ FS_STATUS posix_create_obj(FSYS_HAND_STRUCT* fsh, DBLK* blk, wchar_t const* name
 FS_STATUS posix_open_write(FSYS_HAND_STRUCT* fsh, PosixObject& obj, DBLK* blk) {
   PosixHandleState& state = *posix_state(fsh);
   if (!posix_blk_name(blk, obj.name)) return FS_ERR_BAD_PARAMETER;
-  if (!posix_restore_info(blk, obj.info))
+  if (!posix_restore_info(blk, obj.info, true))
     return posix_report(fsh, EINVAL, posix_object_path(obj),
                         L"block carries no stat record to restore from");
   if (!kinds_agree(blk, obj.info)) return posix_report(fsh, EINVAL, posix_object_path(obj), kKindsDisagree);

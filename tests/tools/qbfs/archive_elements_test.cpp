@@ -8,6 +8,7 @@
 #include <unistd.h>
 
 #include <fstream>
+#include <iterator>
 #include <string>
 #include <vector>
 
@@ -126,6 +127,26 @@ TEST_P(ElementByName, BacksUpListsAndVerifies) {
   ToolRun const verify = qbfs(kMemfs + "verify '" + archive + "'");
   EXPECT_TRUE(clean(verify));
   EXPECT_EQ(verify.status, 0) << verify.out << verify.err;
+
+  // Restored into a directory through the posix module, from the generic
+  // fields of memfs's blocks: the same tree with the same contents.
+  std::string const target = s.dir + "/restored";
+  ASSERT_EQ(mkdir(target.c_str(), 0755), 0);
+  ToolRun const restore = qbfs("restore '" + archive + "' -C '" + target + "'");
+  EXPECT_TRUE(clean(restore));
+  EXPECT_EQ(restore.status, 0) << restore.err;
+  for (served const& obj : memfs_tree()) {
+    struct stat st {};
+    std::string const path = target + "/" + top + "/" + obj.path;
+    ASSERT_EQ(lstat(path.c_str(), &st), 0) << path << "\n" << restore.err;
+    EXPECT_EQ(S_ISDIR(st.st_mode), obj.kind == 'd') << path;
+  }
+  std::ifstream readme(target + "/" + top + "/README.txt");
+  std::string const text((std::istreambuf_iterator<char>(readme)), std::istreambuf_iterator<char>());
+  EXPECT_EQ(text, "Served from memory.\n");
+  std::ifstream guide(target + "/" + top + "/docs/guide.txt");
+  std::string const walk((std::istreambuf_iterator<char>(guide)), std::istreambuf_iterator<char>());
+  EXPECT_EQ(walk, "Walk, open, read, close.\n");
 }
 
 INSTANTIATE_TEST_SUITE_P(Backup, ElementByName,
