@@ -25,16 +25,14 @@ using qbtest::ToolRun;
 
 std::string const kMemfs = std::string("-m '") + QBFS_MEMFS_PATH + "' ";
 
-struct Scratch {
+// A scratch directory with a source directory holding one file.
+struct Scratch : qbtest::ScratchDir {
   Scratch() {
-    char templ[] = "/tmp/qbfs-elements-XXXXXX";
-    dir = mkdtemp(templ) ? templ : "";
     src = dir + "/src";
     mkdir(src.c_str(), 0755);
     std::ofstream(src + "/file.txt") << "a file\n";
   }
-  ~Scratch() { std::system(("rm -rf '" + dir + "'").c_str()); }
-  std::string dir, src;
+  std::string src;
 };
 
 bool exists(std::string const& path) {

@@ -27,19 +27,9 @@ using qbtest::has;
 using qbtest::qbfs;
 using qbtest::ToolRun;
 
-struct Scratch {
-  Scratch() {
-    char templ[] = "/tmp/qbfs-generic-XXXXXX";
-    dir = mkdtemp(templ) ? templ : "";
-  }
-  ~Scratch() { std::system(("rm -rf '" + dir + "'").c_str()); }
-  std::string dir;
-};
+using Scratch = qbtest::ScratchDir;
 
-std::string read_file(std::string const& path) {
-  std::ifstream in(path, std::ios::binary);
-  return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
-}
+using qbtest::read_file;
 
 // 2021-03-04 05:06:07.123456789 UTC, the date of every object of the fixture.
 constexpr std::int64_t kFixtureSeconds = 1614834367;

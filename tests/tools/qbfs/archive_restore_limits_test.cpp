@@ -37,23 +37,9 @@ constexpr rlim_t kDescriptorLimit = 256;
 // Levels of the deep cases: two orders of magnitude past the limit.
 constexpr std::size_t kDeep = 20000;
 
-std::string read_file(std::string const& path) {
-  std::ifstream in(path, std::ios::binary);
-  return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
-}
+using qbtest::read_file;
 
-struct Scratch {
-  Scratch() {
-    char templ[] = "/tmp/qbfs-limits-XXXXXX";
-    dir = mkdtemp(templ) ? templ : "";
-  }
-  ~Scratch() { std::system(("rm -rf '" + dir + "'").c_str()); }
-  std::string fresh(std::string const& name) const {
-    std::string const path = dir + "/" + name;
-    return mkdir(path.c_str(), 0755) == 0 ? path : "";
-  }
-  std::string dir;
-};
+using Scratch = qbtest::ScratchDir;
 
 // ---- archives made here ------------------------------------------------------
 

@@ -51,22 +51,13 @@ std::uint32_t seeded(std::uint32_t base) {
 }
 
 // A scratch directory holding the source `src`, restore directories and archives.
-struct Scratch {
+// A scratch directory with an empty source directory in it.
+struct Scratch : qbtest::ScratchDir {
   Scratch() {
-    char templ[] = "/tmp/qbfs-archive-XXXXXX";
-    dir = mkdtemp(templ) ? templ : "";
     src = dir + "/src";
     mkdir(src.c_str(), 0755);
   }
-  ~Scratch() { remove(dir); }
-  static bool remove(std::string const& path) {
-    return std::system(("chmod -R u+rwx '" + path + "' 2>/dev/null; rm -rf '" + path + "'").c_str()) == 0;
-  }
-  std::string fresh(std::string const& name) const {  // an empty directory
-    std::string const path = dir + "/" + name;
-    return remove(path) && mkdir(path.c_str(), 0755) == 0 ? path : "";
-  }
-  std::string dir, src;
+  std::string src;
 };
 
 bool make_tree(std::string const& root, std::uint32_t seed, bool huge) {
@@ -76,10 +67,7 @@ bool make_tree(std::string const& root, std::uint32_t seed, bool huge) {
   return ok;
 }
 
-std::string read_file(std::string const& path) {
-  std::ifstream in(path, std::ios::binary);
-  return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
-}
+using qbtest::read_file;
 
 // How the commands show the object at `rel` (bytes below the source) of an archive of src.
 std::string shown(std::string const& rel) {

@@ -36,18 +36,7 @@ using qbtest::qbfs;
 using qbtest::shell;
 using qbtest::ToolRun;
 
-struct Scratch {
-  Scratch() {
-    char templ[] = "/tmp/qbfs-untrusted-XXXXXX";
-    dir = mkdtemp(templ) ? templ : "";
-  }
-  ~Scratch() { std::system(("rm -rf '" + dir + "'").c_str()); }
-  std::string fresh(std::string const& name) const {  // an empty directory
-    std::string const path = dir + "/" + name;
-    return mkdir(path.c_str(), 0755) == 0 ? path : "";
-  }
-  std::string dir;
-};
+using Scratch = qbtest::ScratchDir;
 
 // An object as the posix module describes it: its path in the archive,
 // its mode (type and permissions), its device number and its bytes.
@@ -91,10 +80,7 @@ bool write_archive(std::string const& file, std::vector<Forged> const& objects) 
   return close(fd) == 0 && ok;
 }
 
-std::string read_file(std::string const& path) {
-  std::ifstream in(path, std::ios::binary);
-  return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
-}
+using qbtest::read_file;
 
 // ---- the escaping ----------------------------------------------------------------
 

@@ -1,10 +1,12 @@
 // Running the command-line host as a person does: a separate process under
 // a time limit, its standard output, standard error and exit status.
 #pragma once
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <cstdio>
+#include <cstdlib>
 #include <fstream>
 #include <iterator>
 #include <string>
@@ -55,5 +57,32 @@ inline ::testing::AssertionResult clean(ToolRun const& run) {
     return ::testing::AssertionSuccess();
   return ::testing::AssertionFailure() << "status " << run.status << "\n" << run.err;
 }
+
+// The whole content of a file ("" when it cannot be read).
+inline std::string read_file(std::string const& path) {
+  std::ifstream in(path, std::ios::binary);
+  return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+}
+
+// A directory of its own below /tmp for one test, removed with all it holds
+// (unreadable parts included) when the test ends.
+struct ScratchDir {
+  ScratchDir() {
+    char templ[] = "/tmp/qbfs-test-XXXXXX";
+    dir = mkdtemp(templ) ? templ : "";
+  }
+  ~ScratchDir() { remove(dir); }
+  ScratchDir(ScratchDir const&) = delete;
+  ScratchDir& operator=(ScratchDir const&) = delete;
+  static bool remove(std::string const& path) {
+    return std::system(("chmod -R u+rwx '" + path + "' 2>/dev/null; rm -rf '" + path + "'").c_str()) == 0;
+  }
+  // `name` below the directory, made anew and empty; "" when that fails.
+  std::string fresh(std::string const& name) const {
+    std::string const path = dir + "/" + name;
+    return remove(path) && mkdir(path.c_str(), 0755) == 0 ? path : "";
+  }
+  std::string dir;
+};
 
 }  // namespace qbtest

@@ -32,9 +32,8 @@ std::string stream_name(std::uint32_t id) {
 // posix module's stat record (the only OS information read here) and do.
 std::string kinds_disagree(ObjectRecord const& record, unsigned char const* os_info) {
   qbposix::POSIX_OS_INFO info{};
-  if (record.os_id != qbposix::POSIX_OS_ID || record.os_info_size != sizeof info) return {};
-  std::memcpy(&info, os_info, sizeof info);
-  if (info.version != qbposix::POSIX_OS_INFO_VERSION) return {};
+  if (record.os_id != qbposix::POSIX_OS_ID || !qbposix::posix_os_info_read(os_info, record.os_info_size, info))
+    return {};
   bool const directory = record.blk_type == DBLK_KIND_DDB;
   if (directory == S_ISDIR(info.mode)) return {};
   char mode[16];

@@ -17,7 +17,7 @@
 #include "archive_reader.h"
 #include "archive_terminal_text.h"
 #include "../arguments.h"
-#include "posix_view.h"
+#include "stat_view.h"
 
 namespace qbfs {
 namespace {
@@ -43,7 +43,7 @@ constexpr std::size_t kShownTarget = 4096;
 std::string long_line(ObjectEntry const& entry, std::string const& symlink, std::string const& hardlink) {
   qbposix::POSIX_OS_INFO info{};
   char text[160];
-  if (posix_view(entry.record.os_id, entry.os_info, info)) {
+  if (stat_view(entry.record.os_id, entry.os_info, info)) {
     std::time_t const when = static_cast<std::time_t>(info.mtime_sec);
     std::tm local{};
     char date[32] = "?";

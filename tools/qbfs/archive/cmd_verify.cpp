@@ -29,7 +29,7 @@
 #include "../arguments.h"
 #include "console.h"
 #include "layer_objects.h"
-#include "posix_view.h"
+#include "stat_view.h"
 
 namespace qbfs {
 namespace {
@@ -177,7 +177,7 @@ void verify(ArchiveReader& reader, Console& console, Comparer* against, bool ver
             difference = "cannot be read: " + found.problem;
           } else if (found.blk_type != entry.record.blk_type) {
             difference = "a directory on one side, not on the other";
-          } else if (posix_view(entry.record.os_id, entry.os_info, a) && posix_view(found.os_id, found.os_info, b)) {
+          } else if (stat_view(entry.record.os_id, entry.os_info, a) && stat_view(found.os_id, found.os_info, b)) {
             difference = posix_differences(a, b);
           } else if (found.attrib1 != entry.record.attrib1 || found.attrib2 != entry.record.attrib2) {
             difference = "attributes differ";

@@ -4,13 +4,13 @@
 
 #include <cstring>
 
-#include "posix_view.h"
+#include "stat_view.h"
 
 namespace qbfs::archive {
 
 bool RestorePolicy::admit(std::uint8_t os_id, std::vector<unsigned char>& os_info, std::string& why) const {
   qbposix::POSIX_OS_INFO info{};
-  if (!posix_view(os_id, os_info, info)) return true;
+  if (!stat_view(os_id, os_info, info)) return true;
   if (refuse_devices && (S_ISCHR(info.mode) || S_ISBLK(info.mode))) {
     why = std::string(S_ISCHR(info.mode) ? "a character" : "a block") + " device node; refused (--no-devices)";
     return false;

@@ -79,12 +79,17 @@ FS_EXPORT FS_STATUS FS_HandGetOSName(FSYS_HAND_STRUCT* hand, DBLK* blk, wchar_t*
                                      bool withPath);
 // The object's type.
 FS_EXPORT FS_STATUS FS_HandGetObjTypeDBLK(FSYS_HAND_STRUCT* hand, DBLK* blk, OBJECT_TYPE* type);
-// The creation and modification dates into `*date`.
+// The object's creation date into `*date` (the caller's record). A module
+// that keeps no such date answers with an error or an unset date.
 FS_EXPORT FS_STATUS FS_HandGetCDateDBLK(FSYS_HAND_STRUCT* hand, DBLK* blk, _DATE_TIME* date);
+// The object's modification date into `*date` (the caller's record).
 FS_EXPORT FS_STATUS FS_HandGetMDateDBLK(FSYS_HAND_STRUCT* hand, DBLK* blk, _DATE_TIME* date);
-// Reads (direction 0) or writes the backup or the access date.
+// Reads (direction 0) the backup date into `*date`, or writes `*date` into
+// the block (any other direction).
 FS_EXPORT FS_STATUS FS_HandModBDateDBLK(FSYS_HAND_STRUCT* hand, int direction, DBLK* blk,
                                         _DATE_TIME* date);
+// Reads (direction 0) the access date into `*date`, or writes `*date` into
+// the block (any other direction).
 FS_EXPORT FS_STATUS FS_HandModADateDBLK(FSYS_HAND_STRUCT* hand, int direction, DBLK* blk,
                                         _DATE_TIME* date);
 // The size the object shows a person (low 32 bits of it, as the slot gives).

@@ -1,18 +1,20 @@
 // What the archive commands show of an object described by the posix
-// module: its stat record, when the object's OS info is one. Other modules'
-// objects are shown by kind, size and path only.
+// module: its stat record (read through the installed header
+// qbposix/posix_os_info.h), when the object's OS info is one. Other
+// modules' objects are shown by their generic description.
 #pragma once
 #include <cstdint>
 #include <string>
 #include <vector>
 
-#include "archive_format.h"
 #include <qbposix/posix_os_info.h>
+
+#include "archive_format.h"
 
 namespace qbfs::archive {
 
 // The stat record of an object, when its OS info is the posix module's.
-bool posix_view(std::uint8_t os_id, std::vector<unsigned char> const& os_info,
+bool stat_view(std::uint8_t os_id, std::vector<unsigned char> const& os_info,
                 qbposix::POSIX_OS_INFO& out);
 
 // "drwxr-xr-x" from st_mode.

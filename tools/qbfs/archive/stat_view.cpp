@@ -1,4 +1,4 @@
-#include "posix_view.h"
+#include "stat_view.h"
 
 #include <sys/stat.h>
 
@@ -7,11 +7,9 @@
 
 namespace qbfs::archive {
 
-bool posix_view(std::uint8_t os_id, std::vector<unsigned char> const& os_info,
+bool stat_view(std::uint8_t os_id, std::vector<unsigned char> const& os_info,
                 qbposix::POSIX_OS_INFO& out) {
-  if (os_id != qbposix::POSIX_OS_ID || os_info.size() != sizeof out) return false;
-  std::memcpy(&out, os_info.data(), sizeof out);
-  return out.version == qbposix::POSIX_OS_INFO_VERSION;
+  return os_id == qbposix::POSIX_OS_ID && qbposix::posix_os_info_read(os_info.data(), os_info.size(), out);
 }
 
 std::string mode_text(std::uint32_t mode) {
