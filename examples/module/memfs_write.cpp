@@ -1,0 +1,154 @@
+// Restoring into the tree: CreateObj makes (or replaces) an entry of the
+// current directory from a block, OpenObj for FS_WRITE takes its data
+// stream through WriteObj, CloseObj puts the data in, DeleteObj removes an
+// entry again.
+//
+// The entry takes the generic fields of the block: its kind, name, the
+// three dates, the two attribute words and the display size. A file whose
+// block gives no display size gets its data's size at close. Whatever a
+// restore may make is within the limits of memfs.h, so the image saved
+// afterwards always loads again; a date out of range is kept as "not known"
+// for the same reason.
+//
+// An existing entry of the name: a directory over a directory is reused
+// (it takes the block's fields, keeps its entries); anything else is
+// replaced, but a directory that still holds entries is not, because that
+// would drop a whole subtree for one object. RESTORE_SKIP_EXISTING leaves
+// an existing entry alone and answers FS_STATUS_NONE.
+#include <cstdio>
+
+#include "memfs.h"
+
+namespace memfs {
+namespace {
+
+constexpr unsigned kAnyAmount = 1;  // `need`: the module takes any amount
+
+FS_STATUS refuse(FSYS_HAND_STRUCT* fsh, std::wstring const& name, std::wstring const& what) {
+  std::wstring const text = L"memfs: '" + name + L"': " + what;
+  return FS_SetLastError(fsh, static_cast<int>(FS_ERR_NOT_SUPPORTED), FS_EXT_ERR_ACTION_SKIP, 0, text.c_str());
+}
+
+_DATE_TIME kept_date(_DATE_TIME const& date) { return memfs_valid_date(date) ? date : _DATE_TIME{}; }
+
+void take_fields(Node& node, DBLK const& blk) {
+  GEN_DBLK_AREA const& gen = blk.area.gen;
+  node.cdate = kept_date(gen.cdate);
+  node.mdate = kept_date(gen.mdate);
+  node.adate = kept_date(gen.adate);
+  node.attrib1 = gen.attrib1;
+  node.attrib2 = gen.attrib2;
+  node.display_size = node.directory ? 0 : gen.display_size;
+}
+
+std::wstring hex(std::uint32_t value) {
+  wchar_t text[16];
+  std::swprintf(text, sizeof text / sizeof text[0], L"0x%08X", value);
+  return text;
+}
+
+}  // namespace
+
+FS_STATUS memfs_create_obj(FSYS_HAND_STRUCT* fsh, DBLK* blk, wchar_t const* name, RESTORE_SEMANTICS semantics) {
+  HandleState* state = memfs_state(fsh);
+  if (state == nullptr || state->path.empty() || blk == nullptr || !dblk_is_object(blk)) return FS_ERR_BAD_PARAMETER;
+  std::wstring wanted;
+  if (name != nullptr) wanted = name;
+  else if (!memfs_block_name(blk, wanted)) return FS_ERR_BAD_PARAMETER;
+  if (!memfs_valid_name(wanted)) return refuse(fsh, wanted, L"memfs cannot keep an object of this name");
+  bool const directory = blk->blk_type == DBLK_KIND_DDB;
+
+  auto const hold = memfs_lock();
+  Node& dir = *state->path.back().dir;
+  std::vector<NodePtr>& entries = dir.children;
+  auto in_the_way = entries.end();
+  for (auto it = entries.begin(); it != entries.end(); ++it)
+    if ((*it)->name == wanted) in_the_way = it;
+  if (in_the_way != entries.end()) {
+    Node& old = **in_the_way;
+    if (semantics == RESTORE_SKIP_EXISTING) return FS_STATUS_NONE;
+    if (old.directory && directory) {
+      take_fields(old, *blk);
+      memfs_mark_changed();
+      return FS_SUCCESS;
+    }
+    if (old.directory && !old.children.empty())
+      return refuse(fsh, wanted, L"a directory that holds entries is in the way");
+  } else {
+    if (state->path.size() > MEMFS_MAX_DEPTH) return refuse(fsh, wanted, L"directories nest deeper than memfs allows");
+    if (memfs_node_count() >= MEMFS_MAX_NODES) return refuse(fsh, wanted, L"memfs holds as many objects as it keeps");
+  }
+  auto made = std::make_shared<Node>();
+  made->name = wanted;
+  made->directory = directory;
+  take_fields(*made, *blk);
+  if (in_the_way != entries.end()) {
+    *in_the_way = std::move(made);
+  } else {
+    entries.push_back(std::move(made));
+    ++memfs_node_count();
+  }
+  memfs_mark_changed();
+  return FS_SUCCESS;
+}
+
+FS_STATUS memfs_write(_FILE_HAND_STRUCT* hand, unsigned char* buffer, unsigned int* size, unsigned int* need,
+                      STREAM_INFO* stream) {
+  if (hand == nullptr || size == nullptr || need == nullptr || (buffer == nullptr && *size > 0))
+    return FS_ERR_BAD_PARAMETER;
+  auto& file = static_cast<OpenFile&>(*hand);
+  if (file.mode != FS_WRITE || file.node == nullptr) return FS_ERR_BAD_PARAMETER;
+  Node const& node = *file.node;  // its name and kind never change
+  *need = kAnyAmount;
+  if (stream != nullptr && stream->id != STRM_INVALID) {
+    *size = 0;
+    file.failed = true;  // until the stream is taken
+    if (node.directory)
+      return refuse(file.fsysHand, node.name, L"a directory keeps no stream (stream " + hex(stream->id) + L")");
+    if (stream->id != STRM_GENERIC_DATA)
+      return refuse(file.fsysHand, node.name,
+                    L"memfs keeps only a file's data; stream " + hex(stream->id) + L" is refused");
+    if (file.data_started) return refuse(file.fsysHand, node.name, L"a file has one data stream; a second is refused");
+    if (stream->size > MEMFS_MAX_FILE_BYTES)
+      return refuse(file.fsysHand, node.name, L"the file is larger than memfs keeps");
+    file.failed = false;
+    file.data_started = true;
+    return FS_SUCCESS;
+  }
+  if (!file.data_started || file.failed) return FS_ERR_BAD_PARAMETER;
+  if (*size > MEMFS_MAX_FILE_BYTES - file.written.size()) {
+    file.failed = true;
+    *size = 0;
+    return refuse(file.fsysHand, node.name, L"the file is larger than memfs keeps");
+  }
+  file.written.append(reinterpret_cast<char const*>(buffer), *size);
+  return FS_SUCCESS;
+}
+
+void memfs_finish_write(OpenFile& file) {
+  if (!file.data_started || file.failed || file.node->directory) return;
+  Node& node = *file.node;
+  node.data = std::make_shared<std::string const>(std::move(file.written));
+  if (node.display_size == 0) node.display_size = node.data->size();
+  memfs_mark_changed();
+}
+
+FS_STATUS memfs_delete_obj(FSYS_HAND_STRUCT* fsh, DBLK* blk) {
+  HandleState* state = memfs_state(fsh);
+  std::wstring name;
+  if (state == nullptr || state->path.empty() || !memfs_block_name(blk, name)) return FS_ERR_BAD_PARAMETER;
+  auto const hold = memfs_lock();
+  std::vector<NodePtr>& entries = state->path.back().dir->children;
+  for (auto it = entries.begin(); it != entries.end(); ++it) {
+    if ((*it)->name != name) continue;
+    if ((*it)->directory && !(*it)->children.empty())
+      return refuse(fsh, name, L"a directory that holds entries is not deleted");
+    entries.erase(it);
+    --memfs_node_count();
+    memfs_mark_changed();
+    return FS_SUCCESS;
+  }
+  return FS_SUCCESS;  // gone already: what was asked holds
+}
+
+}  // namespace memfs
