@@ -34,6 +34,15 @@ NodePtr node(wchar_t const* name, bool directory, std::string data = {}, std::ve
   return n;
 }
 
+// The image's path as a terminal may show it: control characters (which a
+// terminal would act on) become '?'.
+std::string shown(std::string text) {
+  constexpr unsigned char kFirstPrintable = 0x20, kDelete = 0x7F;
+  for (char& c : text)
+    if (static_cast<unsigned char>(c) < kFirstPrintable || static_cast<unsigned char>(c) == kDelete) c = '?';
+  return text;
+}
+
 }  // namespace
 
 NodePtr memfs_sample_tree() {
@@ -110,7 +119,7 @@ FS_STATUS memfs_init(QB_CFG*) {
   std::string why;
   FS_STATUS const status = path.empty() ? FS_STATUS_NONE : memfs_load_image(path, root, nodes, why);
   if (status != FS_SUCCESS && status != FS_STATUS_NONE) {
-    std::fprintf(stderr, "memfs: not started: the image file '%s' %s\n", path.c_str(), why.c_str());
+    std::fprintf(stderr, "memfs: not started: the image file '%s' %s\n", shown(path).c_str(), why.c_str());
     return status;
   }
   if (root == nullptr) {
@@ -133,8 +142,8 @@ FS_STATUS memfs_deinit() {
     std::string why;
     status = memfs_save_image(t.image, *t.root, why);
     if (status != FS_SUCCESS)
-      std::fprintf(stderr, "memfs: the tree could not be saved to the image file '%s': %s\n", t.image.c_str(),
-                   why.c_str());
+      std::fprintf(stderr, "memfs: the tree could not be saved to the image file '%s': %s\n", shown(t.image).c_str(),
+                   shown(why).c_str());
   }
   t.changed = false;
   t.image.clear();

@@ -179,6 +179,44 @@ TEST(MemfsRestore, AStreamMemfsDoesNotKeepFailsTheObjectByName) {
   EXPECT_FALSE(has(listed_b.out, "/src/link")) << "a refused object was left behind:\n" << listed_b.out;
 }
 
+TEST(MemfsRestore, ASecondRestoreReplacesFilesAndKeepsDirectories) {
+  qbtest::ScratchDir s;
+  std::string const src = s.dir + "/src", image = s.dir + "/memfs.img";
+  ASSERT_EQ(mkdir(src.c_str(), 0755), 0);
+  ASSERT_EQ(mkdir((src + "/dir").c_str(), 0755), 0);
+  std::ofstream(src + "/dir/f.txt") << "first version, longer\n";
+  ASSERT_EQ(qbfs("-q backup '" + src + "' -o '" + s.dir + "/1.qbfs'").status, 0);
+  std::ofstream(src + "/dir/f.txt", std::ios::trunc) << "second\n";
+  std::ofstream(src + "/dir/g.txt") << "added\n";
+  ASSERT_EQ(qbfs("-q backup '" + src + "' -o '" + s.dir + "/2.qbfs'").status, 0);
+  for (char const* archive : {"/1.qbfs", "/2.qbfs"}) {
+    ToolRun const restore = memfs_qbfs(image, "-q restore '" + s.dir + archive + "' -C memfs:");
+    ASSERT_TRUE(clean(restore));
+    ASSERT_EQ(restore.status, 0) << archive << "\n" << restore.err;
+  }
+  ASSERT_EQ(memfs_qbfs(image, "-q backup memfs: -o '" + s.dir + "/b.qbfs'").status, 0);
+  std::string const out = s.fresh("out");
+  ASSERT_EQ(qbfs("-q restore '" + s.dir + "/b.qbfs' -C '" + out + "'").status, 0);
+  ToolRun const listing = qbfs("ls '" + s.dir + "/b.qbfs'");
+  std::vector<std::string> const words = listed(listing.out, "/src/dir/f.txt");
+  ASSERT_EQ(words.size(), 1u) << listing.out;
+  std::string const top = words[0].substr(0, words[0].size() - std::string("/src/dir/f.txt").size());
+  EXPECT_EQ(read_file(out + "/" + top + "/src/dir/f.txt"), "second\n");
+  EXPECT_EQ(read_file(out + "/" + top + "/src/dir/g.txt"), "added\n");
+}
+
+TEST(MemfsRestore, ATreeThatCannotBeSavedSaysSo) {
+  qbtest::ScratchDir s;
+  std::string const src = s.dir + "/src", image = s.dir + "/no-such-dir/memfs.img";
+  ASSERT_EQ(mkdir(src.c_str(), 0755), 0);
+  std::ofstream(src + "/f.txt") << "x\n";
+  ASSERT_EQ(qbfs("-q backup '" + src + "' -o '" + s.dir + "/a.qbfs'").status, 0);
+  ToolRun const restore = memfs_qbfs(image, "-q restore '" + s.dir + "/a.qbfs' -C memfs:");
+  EXPECT_TRUE(clean(restore));
+  EXPECT_TRUE(has(restore.err, "memfs: the tree could not be saved to the image file '" + image + "'"))
+      << restore.err;
+}
+
 TEST(MemfsSample, LongListingShowsTheFixedDates) {
   qbtest::ScratchDir s;
   std::string const archive = s.dir + "/sample.qbfs";
