@@ -95,11 +95,13 @@ constexpr char MEMFS_IMAGE_VARIABLE[] = "QBMEMFS_IMAGE";
 
 // Limits of the tree, for restores and image files alike: a tree in memory
 // must not be made to take the whole machine by one hostile archive or
-// image. A name counts characters; a file's data is held whole.
-constexpr std::size_t MEMFS_MAX_NAME_CHARS = 1024;
+// image, and every tree a restore can make saves to an image that loads
+// again. A name counts characters; a file's data is held whole.
+constexpr std::size_t MEMFS_MAX_NAME_CHARS = 255;
 constexpr std::uint64_t MEMFS_MAX_FILE_BYTES = 256ull * 1024 * 1024;
-constexpr std::size_t MEMFS_MAX_DEPTH = 256;        // directories below the root
-constexpr std::uint64_t MEMFS_MAX_NODES = 1000000;  // the root included
+constexpr std::uint64_t MEMFS_MAX_TREE_BYTES = 1024ull * 1024 * 1024;  // all files' data together
+constexpr std::size_t MEMFS_MAX_DEPTH = 256;       // directories below the root
+constexpr std::uint64_t MEMFS_MAX_NODES = 100000;  // the root included
 
 // The dates every object of the sample tree has: 2001-02-03 04:05:06 UTC.
 constexpr _DATE_TIME MEMFS_SAMPLE_DATE{1, 2001, 2, 3, 4, 5, 6, 6, 0, 0};
@@ -115,6 +117,9 @@ struct Node {
   // contents in, so a reader keeps the contents it opened.
   std::shared_ptr<std::string const> data = std::make_shared<std::string const>();
   std::vector<std::shared_ptr<Node>> children;     // a directory's entries
+  // False once the node is deleted or replaced: it no longer counts in
+  // the tree's size (a handle may still hold it).
+  bool in_tree = true;
 };
 using NodePtr = std::shared_ptr<Node>;
 
@@ -125,11 +130,14 @@ std::unique_lock<std::mutex> memfs_lock();
 // Records that the tree differs from what was loaded, so it is saved at
 // shut-down. Called with the lock held.
 void memfs_mark_changed();
-// The number of objects in the tree, the root included (MEMFS_MAX_NODES
-// bounds it). Called with the lock held.
-std::uint64_t& memfs_node_count();
-// The number of objects in the subtree `top` (itself included).
-std::uint64_t memfs_count_nodes(Node const& top);
+// How much the tree holds: its objects, the root included, and the bytes
+// of all its files' data (MEMFS_MAX_NODES and MEMFS_MAX_TREE_BYTES bound
+// them). memfs_tree_size is called with the lock held.
+struct TreeSize {
+  std::uint64_t nodes = 0, bytes = 0;
+};
+TreeSize& memfs_tree_size();
+TreeSize memfs_measure(Node const& top);
 
 // The sample tree: a few text files, an empty directory and one file
 // larger than the read unit, every object dated MEMFS_SAMPLE_DATE.
@@ -141,14 +149,12 @@ bool memfs_valid_name(std::wstring const& name);
 // True for a date whose fields are in range, or that is not set.
 bool memfs_valid_date(_DATE_TIME const& date);
 
-// The image file. Loading: FS_SUCCESS with the tree in `root` and the
-// number of its objects in `nodes`; FS_STATUS_NONE
+// The image file. Loading: FS_SUCCESS with the tree in `root`; FS_STATUS_NONE
 // when the file does not exist (`root` untouched); FS_ERR_INIT_FAILED with
 // `why` in words when it cannot be read or is no valid image. Saving:
 // FS_SUCCESS, or FS_ERR_INIT_FAILED with `why` (the old image is then left
 // as it was). Neither throws.
-FS_STATUS memfs_load_image(std::string const& path, NodePtr& root, std::uint64_t& nodes,
-                           std::string& why);
+FS_STATUS memfs_load_image(std::string const& path, NodePtr& root, std::string& why);
 FS_STATUS memfs_save_image(std::string const& path, Node const& root, std::string& why);
 
 // What an attached handle keeps (FSYS_HAND_STRUCT::fsysData).
@@ -231,7 +237,9 @@ FS_STATUS memfs_create_obj(FSYS_HAND_STRUCT* fsh, DBLK* blk, wchar_t const* name
 FS_STATUS memfs_write(_FILE_HAND_STRUCT* hand, unsigned char* buffer, unsigned int* size,
                       unsigned int* need, STREAM_INFO* stream);
 FS_STATUS memfs_delete_obj(FSYS_HAND_STRUCT* fsh, DBLK* blk);
-// Gives the data written to the node; called by CloseObj with the lock held.
-void memfs_finish_write(OpenFile& file);
+// Gives the data written to the node; called by CloseObj with the lock
+// held. FS_SUCCESS, or FS_STATUS_EXT_ERROR when the tree has no room left
+// for it (writers that ran side by side); the node then keeps its data.
+FS_STATUS memfs_finish_write(OpenFile& file);
 
 }  // namespace memfs

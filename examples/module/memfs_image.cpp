@@ -21,9 +21,13 @@ constexpr char kMagic[8] = {'Q', 'B', 'M', 'E', 'M', 'F', 'S', '\n'};
 constexpr std::uint32_t kVersion = 1;
 constexpr std::uint8_t kKindDirectory = 1;
 constexpr std::uint8_t kKindFile = 2;
-// The largest image loaded: the largest tree the limits allow is far larger
-// than any tree a test or a person keeps here.
-constexpr std::uint64_t kMaxImageBytes = 1024ull * 1024 * 1024;
+constexpr std::uint64_t kHeaderBytes = sizeof kMagic + sizeof kVersion;
+// A node without its data: kind, name, three dates, two words, display
+// size, and the larger of an entry count and a data size.
+constexpr std::uint64_t kMaxNodeBytes = 1 + 4 + 4 * MEMFS_MAX_NAME_CHARS + 3 * 16 + 4 + 4 + 8 + 8;
+// The largest image a tree within the limits gives: a larger file is
+// refused before it is read.
+constexpr std::uint64_t kMaxImageBytes = kHeaderBytes + MEMFS_MAX_NODES * kMaxNodeBytes + MEMFS_MAX_TREE_BYTES;
 
 // ---- reading ----------------------------------------------------------------
 
@@ -86,7 +90,7 @@ bool read_date(Reader& in, _DATE_TIME& d) {
 
 struct Loader {
   Reader& in;
-  std::uint64_t nodes = 0;
+  std::uint64_t nodes = 0, bytes = 0;
 
   // Reads one node; `depth` counts the directories above it.
   bool node(Node& out, std::size_t depth, bool root) {
@@ -116,6 +120,7 @@ struct Loader {
       std::uint64_t size = 0;
       if (!in.number(size, "a file's size")) return false;
       if (size > MEMFS_MAX_FILE_BYTES) return in.fail("holds a file larger than memfs keeps");
+      if ((bytes += size) > MEMFS_MAX_TREE_BYTES) return in.fail("holds more data than memfs keeps");
       std::string data;
       if (!in.bytes(static_cast<std::size_t>(size), data, "a file's data")) return false;
       out.data = std::make_shared<std::string const>(std::move(data));
@@ -193,7 +198,7 @@ std::string temporary_name(std::string const& path) {
 
 }  // namespace
 
-FS_STATUS memfs_load_image(std::string const& path, NodePtr& root, std::uint64_t& nodes, std::string& why) {
+FS_STATUS memfs_load_image(std::string const& path, NodePtr& root, std::string& why) {
   try {
     errno = 0;
     std::ifstream file(path, std::ios::binary);
@@ -227,7 +232,6 @@ FS_STATUS memfs_load_image(std::string const& path, NodePtr& root, std::uint64_t
                                         ", which this memfs does not read")) &&
         loader.node(*tree, 0, true) && (in.at_end() || in.fail("goes on after the tree's end"))) {
       root = std::move(tree);
-      nodes = loader.nodes;
       return FS_SUCCESS;
     }
     why = in.why();

@@ -62,12 +62,13 @@ FS_STATUS memfs_read(_FILE_HAND_STRUCT* hand, unsigned char* buffer, unsigned in
 FS_STATUS memfs_close_obj(_FILE_HAND_STRUCT* hand, void**, void**) {
   if (hand == nullptr) return FS_ERR_BAD_PARAMETER;
   auto* file = static_cast<OpenFile*>(hand);
+  FS_STATUS status = FS_SUCCESS;
   if (file->mode == FS_WRITE) {
     auto const hold = memfs_lock();
-    memfs_finish_write(*file);
+    status = memfs_finish_write(*file);
   }
   delete file;
-  return FS_SUCCESS;
+  return status;
 }
 
 }  // namespace memfs

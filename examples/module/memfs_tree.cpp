@@ -14,7 +14,7 @@ struct Tree {
   std::mutex mutex;
   NodePtr root;
   bool changed = false;
-  std::uint64_t nodes = 0;
+  TreeSize size;
   std::string image;  // the image file's path; empty: none
 };
 
@@ -61,7 +61,7 @@ NodePtr memfs_root() {
   std::lock_guard<std::mutex> hold(t.mutex);
   if (t.root == nullptr) {
     t.root = memfs_sample_tree();
-    t.nodes = memfs_count_nodes(*t.root);
+    t.size = memfs_measure(*t.root);
   }
   return t.root;
 }
@@ -70,18 +70,19 @@ std::unique_lock<std::mutex> memfs_lock() { return std::unique_lock<std::mutex>(
 
 void memfs_mark_changed() { tree().changed = true; }
 
-std::uint64_t& memfs_node_count() { return tree().nodes; }
+TreeSize& memfs_tree_size() { return tree().size; }
 
-std::uint64_t memfs_count_nodes(Node const& top) {
-  std::uint64_t count = 0;
+TreeSize memfs_measure(Node const& top) {
+  TreeSize size;
   std::vector<Node const*> todo{&top};
   while (!todo.empty()) {
     Node const* n = todo.back();
     todo.pop_back();
-    ++count;
+    ++size.nodes;
+    size.bytes += n->data->size();
     for (NodePtr const& child : n->children) todo.push_back(child.get());
   }
-  return count;
+  return size;
 }
 
 NodePtr memfs_child(Node const& dir, std::wstring const& name) {
@@ -115,20 +116,17 @@ FS_STATUS memfs_init(QB_CFG*) {
   char const* image = std::getenv(MEMFS_IMAGE_VARIABLE);
   std::string const path = image == nullptr ? std::string() : std::string(image);
   NodePtr root;
-  std::uint64_t nodes = 0;
   std::string why;
-  FS_STATUS const status = path.empty() ? FS_STATUS_NONE : memfs_load_image(path, root, nodes, why);
+  FS_STATUS const status = path.empty() ? FS_STATUS_NONE : memfs_load_image(path, root, why);
   if (status != FS_SUCCESS && status != FS_STATUS_NONE) {
     std::fprintf(stderr, "memfs: not started: the image file '%s' %s\n", shown(path).c_str(), why.c_str());
     return status;
   }
-  if (root == nullptr) {
-    root = memfs_sample_tree();
-    nodes = memfs_count_nodes(*root);
-  }
+  if (root == nullptr) root = memfs_sample_tree();
+  TreeSize const size = memfs_measure(*root);
   std::lock_guard<std::mutex> hold(t.mutex);
   t.root = std::move(root);
-  t.nodes = nodes;
+  t.size = size;
   t.image = path;
   t.changed = false;
   return FS_SUCCESS;

@@ -41,6 +41,13 @@ void take_fields(Node& node, DBLK const& blk) {
   node.display_size = node.directory ? 0 : gen.display_size;
 }
 
+// True when the tree has room for `bytes` of data in place of the node's.
+// Called with the lock held.
+bool room_for(Node const& node, std::uint64_t bytes) {
+  std::uint64_t const others = memfs_tree_size().bytes - (node.in_tree ? node.data->size() : 0);
+  return bytes <= MEMFS_MAX_TREE_BYTES && others <= MEMFS_MAX_TREE_BYTES - bytes;
+}
+
 std::wstring hex(std::uint32_t value) {
   wchar_t text[16];
   std::swprintf(text, sizeof text / sizeof text[0], L"0x%08X", value);
@@ -76,17 +83,20 @@ FS_STATUS memfs_create_obj(FSYS_HAND_STRUCT* fsh, DBLK* blk, wchar_t const* name
       return refuse(fsh, wanted, L"a directory that holds entries is in the way");
   } else {
     if (state->path.size() > MEMFS_MAX_DEPTH) return refuse(fsh, wanted, L"directories nest deeper than memfs allows");
-    if (memfs_node_count() >= MEMFS_MAX_NODES) return refuse(fsh, wanted, L"memfs holds as many objects as it keeps");
+    if (memfs_tree_size().nodes >= MEMFS_MAX_NODES)
+      return refuse(fsh, wanted, L"memfs holds as many objects as it keeps");
   }
   auto made = std::make_shared<Node>();
   made->name = wanted;
   made->directory = directory;
   take_fields(*made, *blk);
   if (in_the_way != entries.end()) {
+    memfs_tree_size().bytes -= (*in_the_way)->data->size();
+    (*in_the_way)->in_tree = false;
     *in_the_way = std::move(made);
   } else {
     entries.push_back(std::move(made));
-    ++memfs_node_count();
+    ++memfs_tree_size().nodes;
   }
   memfs_mark_changed();
   return FS_SUCCESS;
@@ -116,21 +126,34 @@ FS_STATUS memfs_write(_FILE_HAND_STRUCT* hand, unsigned char* buffer, unsigned i
     return FS_SUCCESS;
   }
   if (!file.data_started || file.failed) return FS_ERR_BAD_PARAMETER;
+  char const* why = nullptr;
   if (*size > MEMFS_MAX_FILE_BYTES - file.written.size()) {
+    why = "the file is larger than memfs keeps";
+  } else {
+    auto const hold = memfs_lock();
+    if (!room_for(node, file.written.size() + *size)) why = "memfs holds as much data as it keeps";
+  }
+  if (why != nullptr) {
     file.failed = true;
     *size = 0;
-    return refuse(file.fsysHand, node.name, L"the file is larger than memfs keeps");
+    return refuse(file.fsysHand, node.name, std::wstring(why, why + std::char_traits<char>::length(why)));
   }
   file.written.append(reinterpret_cast<char const*>(buffer), *size);
   return FS_SUCCESS;
 }
 
-void memfs_finish_write(OpenFile& file) {
-  if (!file.data_started || file.failed || file.node->directory) return;
+FS_STATUS memfs_finish_write(OpenFile& file) {
+  if (!file.data_started || file.failed || file.node->directory) return FS_SUCCESS;
   Node& node = *file.node;
+  // Writers side by side each saw room for their own data alone.
+  if (!room_for(node, file.written.size()))
+    return refuse(file.fsysHand, node.name, L"memfs holds as much data as it keeps");
+  TreeSize& tree = memfs_tree_size();
+  if (node.in_tree) tree.bytes = tree.bytes - node.data->size() + file.written.size();
   node.data = std::make_shared<std::string const>(std::move(file.written));
   if (node.display_size == 0) node.display_size = node.data->size();
   memfs_mark_changed();
+  return FS_SUCCESS;
 }
 
 FS_STATUS memfs_delete_obj(FSYS_HAND_STRUCT* fsh, DBLK* blk) {
@@ -143,8 +166,10 @@ FS_STATUS memfs_delete_obj(FSYS_HAND_STRUCT* fsh, DBLK* blk) {
     if ((*it)->name != name) continue;
     if ((*it)->directory && !(*it)->children.empty())
       return refuse(fsh, name, L"a directory that holds entries is not deleted");
+    memfs_tree_size().bytes -= (*it)->data->size();
+    --memfs_tree_size().nodes;
+    (*it)->in_tree = false;
     entries.erase(it);
-    --memfs_node_count();
     memfs_mark_changed();
     return FS_SUCCESS;
   }
