@@ -122,6 +122,13 @@ TEST(MemfsRestore, PosixTreeKeepsDataAndDatesThroughMemfs) {
   ASSERT_TRUE(clean(again));
   ASSERT_EQ(again.status, 0) << again.err;
 
+  // The archive matches the tree it was made from, dates and attribute
+  // words included.
+  ToolRun const verify = memfs_qbfs(image, "verify '" + b + "' --against memfs:");
+  EXPECT_TRUE(clean(verify));
+  EXPECT_EQ(verify.status, 0) << verify.out << verify.err;
+  EXPECT_TRUE(has(verify.out, ", 0 differ from memfs:")) << verify.out;
+
   ToolRun const ls = qbtest::shell("TZ=UTC " + qbtest::qbfs_command() + "ls -l '" + b + "'");
   ASSERT_TRUE(clean(ls));
   ASSERT_EQ(ls.status, 0) << ls.err;
