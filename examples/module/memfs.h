@@ -38,8 +38,9 @@
 // not restored with part of what it held.
 //
 // Concurrency. One mutex guards the tree: any number of handles may be
-// used from different threads at once. One handle, and one open object,
-// is used by one thread at a time (the layer's rule for every module).
+// used from different threads at once. A handle's own state (its current
+// directory, its listing) and an open object's are not guarded: each
+// handle, and each open object, is used by one thread at a time.
 // Nodes are shared: a node removed or replaced while a handle stands in it
 // or holds it open lives on, detached, until that handle lets go, so no
 // handle ever reaches freed memory. Written data reaches the node when the

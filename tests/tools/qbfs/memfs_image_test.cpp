@@ -8,6 +8,7 @@
 
 #include <cstdint>
 #include <fstream>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -175,6 +176,9 @@ std::vector<bad_image> bad_images() {
       {"DirectoryHeadOnly", root_head + le(std::uint32_t{1}) + d_head, "cut short"},
   };
 }
+
+// Named in test listings by the case's name, not its bytes.
+void PrintTo(bad_image const& image, std::ostream* out) { *out << image.name; }
 
 class HostileImage : public ::testing::TestWithParam<bad_image> {};
 
