@@ -41,6 +41,12 @@ void take_fields(Node& node, DBLK const& blk) {
   node.display_size = node.directory ? 0 : gen.display_size;
 }
 
+std::wstring number(std::uint32_t value) {
+  wchar_t text[16];
+  std::swprintf(text, sizeof text / sizeof text[0], L"0x%08X", value);
+  return text;
+}
+
 // True when the tree has room for `bytes` of data in place of the node's.
 // Called with the lock held.
 bool room_for(Node const& node, std::uint64_t bytes) {
@@ -48,10 +54,17 @@ bool room_for(Node const& node, std::uint64_t bytes) {
   return bytes <= MEMFS_MAX_TREE_BYTES && others <= MEMFS_MAX_TREE_BYTES - bytes;
 }
 
-std::wstring hex(std::uint32_t value) {
-  wchar_t text[16];
-  std::swprintf(text, sizeof text / sizeof text[0], L"0x%08X", value);
-  return text;
+// A stream id in words: its four characters (in memory order, as the ids
+// are made) when they are all printable, then its number.
+std::wstring stream_text(std::uint32_t id) {
+  constexpr std::uint32_t kFirstPrintable = 0x20, kLastPrintable = 0x7E;
+  std::wstring chars;
+  for (int i = 0; i < 4; ++i) {
+    std::uint32_t const c = (id >> (8 * i)) & 0xFF;
+    if (c < kFirstPrintable || c > kLastPrintable) return L"stream " + number(id);
+    chars.push_back(static_cast<wchar_t>(c));
+  }
+  return L"stream " + chars + L" (" + number(id) + L")";
 }
 
 }  // namespace
@@ -114,10 +127,10 @@ FS_STATUS memfs_write(_FILE_HAND_STRUCT* hand, unsigned char* buffer, unsigned i
     *size = 0;
     file.failed = true;  // until the stream is taken
     if (node.directory)
-      return refuse(file.fsysHand, node.name, L"a directory keeps no stream (stream " + hex(stream->id) + L")");
+      return refuse(file.fsysHand, node.name, L"a directory keeps no stream (" + stream_text(stream->id) + L")");
     if (stream->id != STRM_GENERIC_DATA)
       return refuse(file.fsysHand, node.name,
-                    L"memfs keeps only a file's data; stream " + hex(stream->id) + L" is refused");
+                    L"memfs keeps only a file's data; " + stream_text(stream->id) + L" is refused");
     if (file.data_started) return refuse(file.fsysHand, node.name, L"a file has one data stream; a second is refused");
     if (stream->size > MEMFS_MAX_FILE_BYTES)
       return refuse(file.fsysHand, node.name, L"the file is larger than memfs keeps");
