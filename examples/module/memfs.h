@@ -129,8 +129,12 @@ using NodePtr = std::shared_ptr<Node>;
 NodePtr memfs_root();
 std::unique_lock<std::mutex> memfs_lock();
 // Records that the tree differs from what was loaded, so it is saved at
-// shut-down. Called with the lock held.
+// the next detach or shut-down. Called with the lock held.
 void memfs_mark_changed();
+// Saves the tree to the image file when it changed since it was loaded or
+// last saved (and an image is named); FS_SUCCESS, or the save's status
+// after saying why on standard error. Takes the lock itself.
+FS_STATUS memfs_save_if_changed();
 // How much the tree holds: its objects, the root included, and the bytes
 // of all its files' data (MEMFS_MAX_NODES and MEMFS_MAX_TREE_BYTES bound
 // them). memfs_tree_size is called with the lock held.

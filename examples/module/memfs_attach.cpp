@@ -20,11 +20,14 @@ FS_STATUS memfs_attach(FSYS_HAND_STRUCT* fsh, GENERIC_DLE* dle, wchar_t*, wchar_
   return FS_SUCCESS;
 }
 
+// A job that changed the tree (a restore) learns here, from the status of
+// its detach, whether the change reached the image: at shut-down the
+// layer has no caller left to tell.
 FS_STATUS memfs_detach(FSYS_HAND_STRUCT* fsh, void*, void**) {
   if (fsh == nullptr) return FS_ERR_BAD_PARAMETER;
   delete memfs_state(fsh);
   fsh->fsysData = nullptr;
-  return FS_SUCCESS;
+  return memfs_save_if_changed();
 }
 
 FS_STATUS memfs_close_sys(FSYS_HAND_STRUCT* fsh) { return memfs_detach(fsh, nullptr, nullptr); }

@@ -1,5 +1,7 @@
 // The tree the module serves: the sample, or what the image file holds, from
-// InitFileSys on; saved back to the image at DeInitFileSys when it changed.
+// InitFileSys on; saved back to the image when a handle detaches (the
+// caller hears of a failed save in the detach status) and at DeInitFileSys,
+// each time only when it changed.
 #include <cstdio>
 #include <cstdlib>
 
@@ -132,17 +134,25 @@ FS_STATUS memfs_init(QB_CFG*) {
   return FS_SUCCESS;
 }
 
-FS_STATUS memfs_deinit() {
+FS_STATUS memfs_save_if_changed() {
   Tree& t = tree();
   std::lock_guard<std::mutex> hold(t.mutex);
-  FS_STATUS status = FS_SUCCESS;
-  if (t.changed && !t.image.empty() && t.root != nullptr) {
-    std::string why;
-    status = memfs_save_image(t.image, *t.root, why);
-    if (status != FS_SUCCESS)
-      std::fprintf(stderr, "memfs: the tree could not be saved to the image file '%s': %s\n", shown(t.image).c_str(),
-                   shown(why).c_str());
+  if (!t.changed || t.image.empty() || t.root == nullptr) return FS_SUCCESS;
+  std::string why;
+  FS_STATUS const status = memfs_save_image(t.image, *t.root, why);
+  if (status != FS_SUCCESS) {
+    std::fprintf(stderr, "memfs: the tree could not be saved to the image file '%s': %s\n", shown(t.image).c_str(),
+                 shown(why).c_str());
+    return status;
   }
+  t.changed = false;
+  return FS_SUCCESS;
+}
+
+FS_STATUS memfs_deinit() {
+  FS_STATUS const status = memfs_save_if_changed();
+  Tree& t = tree();
+  std::lock_guard<std::mutex> hold(t.mutex);
   t.changed = false;
   t.image.clear();
   return status;

@@ -222,6 +222,8 @@ TEST(MemfsRestore, ATreeThatCannotBeSavedSaysSo) {
   EXPECT_TRUE(clean(restore));
   EXPECT_TRUE(has(restore.err, "memfs: the tree could not be saved to the image file '" + image + "'"))
       << restore.err;
+  EXPECT_EQ(restore.status, 1) << "the restore did not reach the image\n" << restore.err;
+  EXPECT_TRUE(has(restore.err, "qbfs restore: restoring into 'memfs:' could not be finished: ")) << restore.err;
 }
 
 TEST(MemfsSample, LongListingShowsTheFixedDates) {

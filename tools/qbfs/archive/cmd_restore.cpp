@@ -297,7 +297,16 @@ int cmd_restore(Options const& options, int argc, char** argv) {
         rest = grouped(job.damaged_) + " damaged, " + grouped(job.failed_) + " failed";
         if (job.refused_ > 0) rest += ", " + grouped(job.refused_) + " refused";
       }
-      FS_DetachDLE(hand);  // directories get their metadata here
+      // The module finishes its work at detach (directories get their
+      // metadata, a store saves what it took): a failure there means the
+      // target does not hold what the archive does.
+      FS_STATUS const detached = FS_DetachDLE(hand);
+      if (detached != FS_SUCCESS) {
+        console.message("restoring into '" + directory + "' could not be finished: " + failure_text(hand, detached));
+        rc = 1;
+        // A module's own error leaves the handle attached for its text.
+        if (detached == FS_STATUS_EXT_ERROR) FS_DetachDLE(hand);
+      }
       EndState const& end = reader.end_state();
       if (!end.problem.empty()) console.message("the archive is damaged: " + end.problem);
       if (end.damaged) rc = 1;
