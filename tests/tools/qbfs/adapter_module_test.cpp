@@ -1,0 +1,261 @@
+// The archive commands end to end on an element served only through an
+// adapter class: the test module adapterfs (adapter_module/) fills no
+// walking, block or object slot of its table, so whatever qbfs does with
+// its element goes through the layer's road to the adapter. The module's
+// tree is fixed; what it serves is written out here (names, kinds, bytes,
+// modification dates in UTC, attribute words) and compared with what
+// `qbfs ls -l` lists and with what a restore leaves on disk, read back
+// with stat() and plain file reads.
+#include <dlfcn.h>
+#include <sys/stat.h>
+#include <time.h>
+
+#include <cstdint>
+#include <cstdio>
+#include <set>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include <qbfsys/func_list.h>
+
+#include "tool_run.h"
+
+namespace {
+
+using qbtest::clean;
+using qbtest::has;
+using qbtest::qbfs;
+using qbtest::ToolRun;
+
+std::string const kModule = std::string("-m '") + QBFS_ADAPTERFS_PATH + "' ";
+// The element's device name, which is also the name its objects are stored
+// under in an archive.
+std::string const kElement = "adapterfs:";
+
+// What the module serves. `path` is below the element ("" is the element's
+// root directory).
+struct served {
+  char const* path;
+  bool directory;
+  int year, month, day, hour, minute, second;
+  long nanoseconds;
+  std::uint32_t attrib1;
+  std::string data;
+};
+
+std::string large_data() {
+  std::string large(200000, '\0');
+  for (std::size_t i = 0; i < large.size(); ++i) large[i] = static_cast<char>((i * 7 + i / 251) & 0xFF);
+  return large;
+}
+
+std::vector<served> const& adapterfs_tree() {
+  static std::vector<served> const tree{
+      {"", true, 2019, 7, 14, 8, 30, 0, 0, 0x0010, ""},
+      {"notes.txt", false, 2020, 1, 2, 3, 4, 5, 123456700, 0x0001, "Served through an adapter.\n"},
+      {"large.bin", false, 2021, 6, 30, 23, 59, 58, 0, 0x0002, large_data()},
+      {"empty.txt", false, 2018, 2, 28, 12, 0, 0, 0, 0x0003, ""},
+      {"src", true, 2022, 11, 11, 11, 11, 11, 0, 0x0011, ""},
+      {"src/main.c", false, 2017, 5, 6, 7, 8, 9, 0, 0x0004, "int main(void) { return 0; }\n"},
+      {"src/deep", true, 2016, 10, 20, 20, 10, 0, 0, 0x0012, ""},
+      {"src/deep/leaf.txt", false, 2015, 3, 15, 15, 15, 15, 0, 0x0005, "a leaf\n"},
+      {"void", true, 2014, 12, 31, 23, 0, 0, 0, 0x0013, ""},
+  };
+  return tree;
+}
+
+// The object's path as the archive holds it.
+std::string archived(served const& obj) {
+  return obj.path[0] == '\0' ? kElement : kElement + "/" + obj.path;
+}
+
+// Seconds since the epoch of the served date.
+std::time_t epoch_seconds(served const& obj) {
+  std::tm utc{};
+  utc.tm_year = obj.year - 1900;
+  utc.tm_mon = obj.month - 1;
+  utc.tm_mday = obj.day;
+  utc.tm_hour = obj.hour;
+  utc.tm_min = obj.minute;
+  utc.tm_sec = obj.second;
+  return timegm(&utc);
+}
+
+// ---- the module's table ------------------------------------------------------
+
+// The names of the slots a table fills.
+std::set<std::string> filled_slots(_FUNC_LIST const& table) {
+  std::set<std::string> names;
+#define FS_FUNC_SLOT(slot, name, ...) \
+  if (table.name != nullptr) names.insert(#name);
+#define FS_FUNC_SLOT_OP(slot, op, slot_name, ...) \
+  if (table.slot_name != nullptr) names.insert(#slot_name);
+#include <qbfsys/func_slots_by_slot.inc>
+#undef FS_FUNC_SLOT
+#undef FS_FUNC_SLOT_OP
+  return names;
+}
+
+// Every other test here passes through this table: with nothing for walking,
+// blocks or objects in it, what they prove is that the tool and the layer
+// reach the module through its adapter alone.
+TEST(AdapterModuleTable, FillsOnlyStartUpAndTheAdapterInstallation) {
+  void* module = dlopen(QBFS_ADAPTERFS_PATH, RTLD_NOW | RTLD_LOCAL);
+  ASSERT_NE(module, nullptr) << dlerror();
+  using GetTable = int (*)(int, unsigned int, _FUNC_LIST*, int*);
+  auto get_table = reinterpret_cast<GetTable>(dlsym(module, "GetTable"));
+  ASSERT_NE(get_table, nullptr);
+  _FUNC_LIST table{};
+  int index = -1;
+  ASSERT_EQ(get_table(0, 0, &table, &index), 1);
+  EXPECT_EQ(filled_slots(table),
+            (std::set<std::string>{"InitFileSys", "DeInitFileSys", "FindDrives", "RemoveDLE", "OpenSys"}));
+  dlclose(module);
+}
+
+// ---- end to end through qbfs ---------------------------------------------------
+
+// A scratch directory with the element backed up into `archive`.
+struct BackedUp : qbtest::ScratchDir {
+  BackedUp() : archive(dir + "/adapterfs.qbfs") {
+    backup = qbfs(kModule + "-q backup " + kElement + " -o '" + archive + "'");
+  }
+  std::string archive;
+  ToolRun backup;
+};
+
+TEST(AdapterModule, TreeListsTheElement) {
+  ToolRun const run = qbfs(kModule + "tree --brief");
+  ASSERT_TRUE(clean(run));
+  EXPECT_EQ(run.status, 0) << run.err;
+  std::istringstream lines(run.out);
+  bool listed = false;
+  for (std::string line; std::getline(lines, line);)
+    listed = listed || line.find(kElement) != std::string::npos;
+  EXPECT_TRUE(listed) << run.out;
+}
+
+TEST(AdapterModule, BackupExitsZero) {
+  BackedUp const s;
+  EXPECT_TRUE(clean(s.backup));
+  EXPECT_EQ(s.backup.status, 0) << s.backup.err;
+}
+
+// One line of `ls -l` for another module's object: kind, attribute word,
+// size, date, time, path.
+struct long_line {
+  std::string kind, attrib1, size, date, time, path;
+};
+
+std::vector<long_line> parse_long(std::string const& out) {
+  std::vector<long_line> lines;
+  std::istringstream in(out);
+  for (std::string text; std::getline(in, text);) {
+    std::istringstream words(text);
+    long_line line;
+    words >> line.kind >> line.attrib1 >> line.size >> line.date >> line.time >> line.path;
+    lines.push_back(line);
+  }
+  return lines;
+}
+
+TEST(AdapterModule, LongListingShowsTypeSizeAttributeWordAndServedDate) {
+  BackedUp const s;
+  ASSERT_EQ(s.backup.status, 0) << s.backup.err;
+  // Dates are shown in local time; in UTC they read as served.
+  ToolRun const ls = qbtest::shell("TZ=UTC " + qbtest::qbfs_command() + kModule + "ls -l '" + s.archive + "'");
+  ASSERT_TRUE(clean(ls));
+  EXPECT_EQ(ls.status, 0) << ls.err;
+  std::vector<long_line> const lines = parse_long(ls.out);
+  EXPECT_EQ(lines.size(), adapterfs_tree().size()) << ls.out;
+  for (served const& obj : adapterfs_tree()) {
+    SCOPED_TRACE(archived(obj));
+    long_line const* found = nullptr;
+    for (long_line const& line : lines)
+      if (line.path == archived(obj)) found = &line;
+    ASSERT_NE(found, nullptr) << ls.out;
+    char attrib[16], date[16], time[8];
+    std::snprintf(attrib, sizeof attrib, "0x%08X", static_cast<unsigned>(obj.attrib1));
+    std::snprintf(date, sizeof date, "%04d-%02d-%02d", obj.year, obj.month, obj.day);
+    std::snprintf(time, sizeof time, "%02d:%02d", obj.hour, obj.minute);
+    EXPECT_EQ(found->kind, obj.directory ? "d" : "-");
+    EXPECT_EQ(found->attrib1, attrib);
+    EXPECT_EQ(found->size, std::to_string(obj.data.size()));
+    EXPECT_EQ(found->date, date);
+    EXPECT_EQ(found->time, time);
+  }
+}
+
+TEST(AdapterModule, VerifiesOnItsOwn) {
+  BackedUp const s;
+  ASSERT_EQ(s.backup.status, 0) << s.backup.err;
+  ToolRun const verify = qbfs(kModule + "verify '" + s.archive + "'");
+  EXPECT_TRUE(clean(verify));
+  EXPECT_EQ(verify.status, 0) << verify.out << verify.err;
+}
+
+// The archive compared with the element it was made from, read again
+// through the adapter.
+TEST(AdapterModule, VerifiesAgainstTheElement) {
+  BackedUp const s;
+  ASSERT_EQ(s.backup.status, 0) << s.backup.err;
+  ToolRun const verify = qbfs(kModule + "verify '" + s.archive + "' --against " + kElement);
+  EXPECT_TRUE(clean(verify));
+  EXPECT_EQ(verify.status, 0) << verify.out << verify.err;
+}
+
+TEST(AdapterModule, RestoresBytesAndDatesIntoADirectory) {
+  BackedUp const s;
+  ASSERT_EQ(s.backup.status, 0) << s.backup.err;
+  std::string const target = s.fresh("restored");
+  ASSERT_FALSE(target.empty());
+  ToolRun const restore = qbfs("restore '" + s.archive + "' -C '" + target + "'");
+  ASSERT_TRUE(clean(restore));
+  EXPECT_EQ(restore.status, 0) << restore.err;
+  for (served const& obj : adapterfs_tree()) {
+    std::string const path = target + "/" + archived(obj);
+    SCOPED_TRACE(path);
+    struct stat st {};
+    ASSERT_EQ(lstat(path.c_str(), &st), 0) << restore.err;
+    EXPECT_EQ(S_ISDIR(st.st_mode), obj.directory);
+    EXPECT_EQ(S_ISREG(st.st_mode), !obj.directory);
+    if (!obj.directory) {
+      EXPECT_TRUE(qbtest::read_file(path) == obj.data) << "contents differ";
+    }
+    EXPECT_EQ(st.st_mtim.tv_sec, epoch_seconds(obj));
+    EXPECT_EQ(st.st_mtim.tv_nsec, obj.nanoseconds);
+  }
+}
+
+// ---- a module that fails mid-read ------------------------------------------------
+
+// The module's read of src/main.c fails after its first unit.
+std::string const kFailing = "ADAPTERFS_FAIL_READ=src/main.c ";
+
+TEST(AdapterModuleReadError, BackupNamesTheObjectAndExitsOne) {
+  qbtest::ScratchDir const s;
+  std::string const archive = s.dir + "/failed.qbfs";
+  ToolRun const backup = qbtest::shell(kFailing + qbtest::qbfs_command() + kModule + "-q backup " + kElement +
+                                       " -o '" + archive + "'");
+  EXPECT_TRUE(clean(backup));
+  EXPECT_EQ(backup.status, 1) << backup.err;
+  EXPECT_TRUE(has(backup.err, kElement + "/src/main.c")) << backup.err;
+  EXPECT_FALSE(has(backup.err, "leaf.txt")) << "only the failing object is named\n" << backup.err;
+
+  ToolRun const ls = qbfs("ls '" + archive + "'");
+  EXPECT_TRUE(clean(ls));
+  EXPECT_TRUE(has(ls.out, kElement + "/src/main.c  (incomplete")) << ls.out;
+
+  std::string const target = s.fresh("restored");
+  ToolRun const restore = qbfs("restore '" + archive + "' -C '" + target + "'");
+  EXPECT_TRUE(clean(restore));
+  EXPECT_EQ(restore.status, 1) << restore.err;
+  EXPECT_TRUE(has(restore.err, "src/main.c")) << restore.err;
+  // The others are restored whole.
+  EXPECT_EQ(qbtest::read_file(target + "/" + kElement + "/src/deep/leaf.txt"), "a leaf\n");
+}
+
+}  // namespace
