@@ -230,6 +230,28 @@ TEST(AdapterModule, RestoresBytesAndDatesIntoADirectory) {
   }
 }
 
+// `qbfs validate` attaches, walks and reads a module the way a job does; a
+// module whose handles attach through their adapter is checked in full.
+TEST(AdapterModule, ValidateAttachesWalksAndReadsThroughTheAdapter) {
+  std::size_t directories = 0, files = 0, bytes = 0;
+  for (served const& obj : adapterfs_tree()) {
+    if (obj.path[0] == '\0') continue;  // the element's root is not an object of its walk
+    (obj.directory ? directories : files) += 1;
+    bytes += obj.data.size();
+  }
+  ToolRun const run = qbfs(std::string("validate --seed 1 '") + QBFS_ADAPTERFS_PATH + "'");
+  EXPECT_TRUE(clean(run));
+  EXPECT_EQ(run.status, 0) << run.out;
+  std::string const walked = std::to_string(directories + files) + " objects (" + std::to_string(directories) +
+                             " directories, " + std::to_string(files) + " files)";
+  std::string const read = std::to_string(files) + " files read (" + std::to_string(files) + " streams, " +
+                           std::to_string(bytes) + " bytes)";
+  for (std::string const& line :
+       std::vector<std::string>{"passed   attach-detach", "passed   attach-leaks", "passed   null-arguments",
+                                "passed   walk               " + walked, "passed   read-framing       " + read})
+    EXPECT_TRUE(has(run.out, line)) << line << "\n" << run.out;
+}
+
 // ---- a module that fails mid-read ------------------------------------------------
 
 // The module's read of src/main.c fails after its first unit.
