@@ -230,6 +230,51 @@ TEST(AdapterModule, RestoresBytesAndDatesIntoADirectory) {
   }
 }
 
+// Exclusions are decided by the layer from the names and current paths the
+// adapter gives (FS_GetSpecialAttribs for files, the element's rules for
+// directories): what a pattern names is left out, the rest is kept.
+struct exclusion {
+  char const* name;
+  std::string options;
+  std::set<std::string> left_out;  // paths below the element
+};
+void PrintTo(exclusion const& e, std::ostream* os) { *os << e.name; }
+
+class AdapterModuleExclusion : public ::testing::TestWithParam<exclusion> {};
+
+TEST_P(AdapterModuleExclusion, LeavesOutWhatThePatternsName) {
+  qbtest::ScratchDir const s;
+  std::string const archive = s.dir + "/excluded.qbfs";
+  ToolRun const backup = qbfs(kModule + "-q backup " + kElement + " " + GetParam().options + " -o '" + archive + "'");
+  ASSERT_TRUE(clean(backup));
+  ASSERT_EQ(backup.status, 0) << backup.err;
+  ToolRun const ls = qbfs("ls '" + archive + "'");
+  std::set<std::string> listed;
+  std::istringstream lines(ls.out);
+  for (std::string line; std::getline(lines, line);) {
+    if (!line.empty() && line.back() == '/') line.pop_back();
+    listed.insert(line);
+  }
+  std::set<std::string> expected;
+  for (served const& obj : adapterfs_tree()) {
+    bool out = false;
+    for (std::string const& gone : GetParam().left_out)
+      out = out || obj.path == gone || std::string(obj.path).rfind(gone + "/", 0) == 0;
+    if (!out) expected.insert(archived(obj));
+  }
+  EXPECT_EQ(listed, expected) << ls.out;
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Backup, AdapterModuleExclusion,
+    ::testing::Values(exclusion{"FileByPath", "--exclude src/main.c", {"src/main.c"}},
+                      exclusion{"FilesByPattern", "--exclude '**.txt'",
+                                {"notes.txt", "empty.txt", "src/deep/leaf.txt"}},
+                      exclusion{"NestedDirectory", "--exclude src/deep", {"src/deep"}},
+                      exclusion{"TopFileAndEmptyDirectory", "--exclude large.bin --exclude void",
+                                {"large.bin", "void"}}),
+    [](auto const& info) { return std::string(info.param.name); });
+
 // `qbfs validate` attaches, walks and reads a module the way a job does; a
 // module whose handles attach through their adapter is checked in full.
 TEST(AdapterModule, ValidateAttachesWalksAndReadsThroughTheAdapter) {
