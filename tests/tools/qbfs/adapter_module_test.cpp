@@ -10,6 +10,7 @@
 #include <sys/stat.h>
 #include <time.h>
 
+#include <cctype>
 #include <cstdint>
 #include <cstdio>
 #include <set>
@@ -299,30 +300,49 @@ TEST(AdapterModule, ValidateAttachesWalksAndReadsThroughTheAdapter) {
 
 // ---- a module that fails mid-read ------------------------------------------------
 
-// The module's read of src/main.c fails after its first unit.
-std::string const kFailing = "ADAPTERFS_FAIL_READ=src/main.c ";
+// With ADAPTERFS_FAIL_READ naming a file, the module's read of it fails once
+// its first unit was delivered: all of a small file, part of a large one.
+class AdapterModuleReadError : public ::testing::TestWithParam<char const*> {};
 
-TEST(AdapterModuleReadError, BackupNamesTheObjectAndExitsOne) {
+TEST_P(AdapterModuleReadError, BackupAndRestoreNameTheObjectAndExitOne) {
+  std::string const failing = GetParam();
   qbtest::ScratchDir const s;
   std::string const archive = s.dir + "/failed.qbfs";
-  ToolRun const backup = qbtest::shell(kFailing + qbtest::qbfs_command() + kModule + "-q backup " + kElement +
-                                       " -o '" + archive + "'");
+  ToolRun const backup = qbtest::shell("ADAPTERFS_FAIL_READ='" + failing + "' " + qbtest::qbfs_command() + kModule +
+                                       "-q backup " + kElement + " -o '" + archive + "'");
   EXPECT_TRUE(clean(backup));
   EXPECT_EQ(backup.status, 1) << backup.err;
-  EXPECT_TRUE(has(backup.err, kElement + "/src/main.c")) << backup.err;
-  EXPECT_FALSE(has(backup.err, "leaf.txt")) << "only the failing object is named\n" << backup.err;
+  EXPECT_TRUE(has(backup.err, kElement + "/" + failing + ": ")) << backup.err;
+  for (served const& obj : adapterfs_tree())
+    if (obj.path != failing && obj.path[0] != '\0') {
+      EXPECT_FALSE(has(backup.err, archived(obj) + ":")) << "only the failing object is named\n" << backup.err;
+    }
 
   ToolRun const ls = qbfs("ls '" + archive + "'");
   EXPECT_TRUE(clean(ls));
-  EXPECT_TRUE(has(ls.out, kElement + "/src/main.c  (incomplete")) << ls.out;
+  EXPECT_EQ(ls.status, 0) << "a failed read leaves the archive whole\n" << ls.err;
+  EXPECT_TRUE(has(ls.out, kElement + "/" + failing + "  (incomplete")) << ls.out;
 
   std::string const target = s.fresh("restored");
   ToolRun const restore = qbfs("restore '" + archive + "' -C '" + target + "'");
   EXPECT_TRUE(clean(restore));
   EXPECT_EQ(restore.status, 1) << restore.err;
-  EXPECT_TRUE(has(restore.err, "src/main.c")) << restore.err;
+  EXPECT_TRUE(has(restore.err, kElement + "/" + failing + ": ")) << restore.err;
+  struct stat st {};
+  EXPECT_NE(lstat((target + "/" + kElement + "/" + failing).c_str(), &st), 0) << "an incomplete file is not restored";
   // The others are restored whole.
-  EXPECT_EQ(qbtest::read_file(target + "/" + kElement + "/src/deep/leaf.txt"), "a leaf\n");
+  for (served const& obj : adapterfs_tree())
+    if (!obj.directory && obj.path != failing) {
+      EXPECT_TRUE(qbtest::read_file(target + "/" + archived(obj)) == obj.data) << archived(obj);
+    }
 }
+
+INSTANTIATE_TEST_SUITE_P(Backup, AdapterModuleReadError, ::testing::Values("src/main.c", "large.bin"),
+                         [](auto const& info) {
+                           std::string name = info.param;
+                           for (char& c : name)
+                             if (!std::isalnum(static_cast<unsigned char>(c))) c = '_';
+                           return name;
+                         });
 
 }  // namespace
