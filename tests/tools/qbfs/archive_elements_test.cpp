@@ -24,6 +24,8 @@ using qbtest::qbfs;
 using qbtest::ToolRun;
 
 std::string const kMemfs = std::string("-m '") + QBFS_MEMFS_PATH + "' ";
+// The posix module beside memfs: directories and memfs's element at once.
+std::string const kPosixAndMemfs = std::string("-m '") + QB_TEST_MODULE_DIR + "/libqbposix.so' " + kMemfs;
 
 // A scratch directory with a source directory holding one file.
 struct Scratch : qbtest::ScratchDir {
@@ -125,6 +127,10 @@ TEST_P(ElementByName, BacksUpListsAndVerifies) {
   ToolRun const verify = qbfs(kMemfs + "verify '" + archive + "'");
   EXPECT_TRUE(clean(verify));
   EXPECT_EQ(verify.status, 0) << verify.out << verify.err;
+  ToolRun const against = qbfs(kMemfs + "verify '" + archive + "' --against '" + GetParam().source + "'");
+  EXPECT_TRUE(clean(against));
+  EXPECT_EQ(against.status, 0) << against.out << against.err;
+  EXPECT_TRUE(has(against.out, ", 0 differ from " + std::string(GetParam().source) + "\n")) << against.out;
 
   // Restored into a directory through the posix module, from the generic
   // fields of memfs's blocks: the same tree with the same contents.
@@ -150,6 +156,44 @@ TEST_P(ElementByName, BacksUpListsAndVerifies) {
 INSTANTIATE_TEST_SUITE_P(Backup, ElementByName,
                          ::testing::Values(named_element{"DeviceName", "memfs:", "memfs:"}),
                          [](auto const& info) { return std::string(info.param.name); });
+
+// verify --against on an archive of two sources, a directory and the memfs
+// element: each TARGET stands for one source's top-level object, in order.
+struct against_case {
+  char const* name;
+  std::string targets;  // SRC: the directory backed up
+  int status;
+  std::vector<char const*> said;      // parts of standard output and error
+  bool change_source = false;         // the file below SRC changes after the backup
+};
+
+class VerifyAgainst : public ::testing::TestWithParam<against_case> {};
+
+TEST_P(VerifyAgainst, ComparesEachSourceWithItsTarget) {
+  Scratch s;
+  std::string const archive = s.dir + "/two.qbfs";
+  ToolRun const backup = qbfs(kPosixAndMemfs + "-q backup '" + s.src + "' memfs: -o '" + archive + "'");
+  ASSERT_EQ(backup.status, 0) << backup.err;
+  if (GetParam().change_source) std::ofstream(s.src + "/file.txt") << "changed after the backup\n";
+  ToolRun const run = qbfs(kPosixAndMemfs + "verify '" + archive + "' " + expand(GetParam().targets, s));
+  EXPECT_TRUE(clean(run));
+  EXPECT_EQ(run.status, GetParam().status) << run.out << run.err;
+  for (char const* part : GetParam().said)
+    EXPECT_TRUE(has(run.out + run.err, expand(part, s))) << part << "\n" << run.out << run.err;
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Verify, VerifyAgainst,
+    ::testing::Values(
+        against_case{"EachSourceItsTarget", "--against SRC --against memfs:", 0, {", 0 differ from SRC, memfs:\n"}},
+        against_case{"SecondSourceWithoutTarget", "--against SRC", 1, {", 0 differ from SRC, 6 not compared\n"}},
+        against_case{"TargetsSwapped", "--against memfs: --against SRC", 1, {"differs: src/file.txt: not found"}},
+        against_case{"UnknownTarget", "--against no-such --against memfs:", 1,
+                     {"cannot compare against 'no-such': it is neither a directory nor an element"}},
+        against_case{"SourceChanged", "--against SRC --against memfs:", 1,
+                     {"differs: src/file.txt: size 7 in the archive, 25 found", ", 1 differ from SRC, memfs:\n"},
+                     true}),
+    [](auto const& info) { return std::string(info.param.name); });
 
 TEST(BackupHelp, SaysHowSourcesAreNamed) {
   ToolRun const run = qbfs("backup --help");

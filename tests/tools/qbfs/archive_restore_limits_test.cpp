@@ -219,7 +219,7 @@ TEST_P(RecordKind, DisagreeingWithItsStatRecordIsRefused) {
     EXPECT_NE(lstat(refused.c_str(), &st), 0) << c.absent << " was restored";
   }
   for (auto const& args : {std::vector<std::string>{"verify", archive},
-                           std::vector<std::string>{"verify", archive, "--against", out}}) {
+                           std::vector<std::string>{"verify", archive, "--against", out + "/src"}}) {
     Measured const verify = run_limited(args);
     EXPECT_EQ(verify.status, 1) << args.size() << verify.err;
     EXPECT_TRUE(has(verify.err, "is refused: \"" + c.objects.front().path + "\": its kind says")) << verify.err;
@@ -300,7 +300,7 @@ TEST(RestoreDepth, PathWithoutDirectoryRecordsNeedsNoDescriptorPerLevel) {
       << kDeep / 4 << " levels: " << shallower.cpu_seconds << " s, " << kDeep << ": " << restore.cpu_seconds << " s";
   EXPECT_EQ(restore.status, 0) << restore.err.substr(0, 2000);
   EXPECT_EQ(data_below(out + "/src", kDeep, "f"), "deep\n");
-  Measured const verify = run_limited({"verify", archive, "--against", out});
+  Measured const verify = run_limited({"verify", archive, "--against", out + "/src"});
   EXPECT_EQ(verify.status, 0) << verify.err.substr(0, 2000);
   for (Measured const* m : {&restore, &verify}) {
     EXPECT_LE((m->peak_kib - base) * 1024, kBytesPerLevel * static_cast<long>(kDeep))
@@ -328,7 +328,7 @@ TEST(RestoreDepth, DirectoryRecordsKeepABoundedAmountPerDirectory) {
   Measured const restore = run_limited({"restore", archive, "-C", out});
   EXPECT_EQ(restore.status, 0) << restore.err.substr(0, 2000);
   EXPECT_EQ(data_below(out + "/src", kLevels, "f"), "deep\n");
-  Measured const verify = run_limited({"verify", archive, "--against", out});
+  Measured const verify = run_limited({"verify", archive, "--against", out + "/src"});
   EXPECT_EQ(verify.status, 0) << verify.err.substr(0, 2000);
   for (Measured const* m : {&restore, &verify}) {
     EXPECT_LE((m->peak_kib - base) * 1024, kBytesPerLevel * static_cast<long>(kLevels))

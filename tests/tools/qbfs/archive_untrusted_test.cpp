@@ -234,10 +234,14 @@ TEST(HostileNames, EchoedArgumentsAndLayerLinesAreEscaped) {
       {"'frob\x1B'", "qbfs: unknown command 'frob\\x1B'"},
       {"backup '--frob\x9B'", "qbfs backup: unknown option --frob\\x9B"},
       {"props '/none\x1B[2J'", "'/none\\x1B[2J'"},
-      {"restore x -C '/none\xE2\x80\xAE'", "cannot use the directory '/none\\u202E'"},
+      {"restore @ -C '/none\xE2\x80\xAE'", "cannot restore into '/none\\u202E'"},
+      {"verify @ --against '/none\x1B[2J'", "cannot compare against '/none\\x1B[2J'"},
   };
+  std::string const archive = s.dir + "/a.qbfs";
+  ASSERT_EQ(qbfs("-q backup '" + s.fresh("plain") + "' -o '" + archive + "'").status, 0);
   auto fill = [&](std::string text) {
     for (std::size_t at; (at = text.find('%')) != std::string::npos;) text.replace(at, 1, s.dir);
+    if (std::size_t const at = text.find('@'); at != std::string::npos) text.replace(at, 1, archive);
     return text;
   };
   for (EchoCase const& c : cases) {

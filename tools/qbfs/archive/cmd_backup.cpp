@@ -291,12 +291,9 @@ std::wstring base_name(std::string const& path) {
   return widen(slash == std::string::npos ? path : path.substr(slash + 1));
 }
 
-// One SOURCE of the command line: a directory offered as root `root`, or
-// an element's name; once attached, its element and handle.
+// One SOURCE of the command line; once attached, its element and handle.
 struct Source {
-  std::string text;
-  bool directory;
-  std::size_t root;
+  Place place;
   std::wstring base;  // the name its objects are stored under
   GENERIC_DLE* dle;
   FSYS_HAND_STRUCT* hand;
@@ -312,14 +309,15 @@ int attach_sources(RootSession& session, std::vector<Rule> const& rules, std::ve
     return 1;
   }
   for (Source& src : plan) {
-    std::string const shown = terminal_text(src.text);
-    src.dle = src.directory ? session.dle(src.root) : session.find_element(widen(src.text));
-    if (src.dle == nullptr && !src.directory) {
-      console.message("cannot back up '" + shown +
-                      "': it is neither a directory nor an element `qbfs tree` lists");
+    std::string const shown = terminal_text(src.place.text);
+    src.dle = session.element_of(src.place);
+    if (src.dle == nullptr && !src.place.directory) {
+      std::string why;
+      session.attach_place(src.place, why);  // says why there is nothing to attach
+      console.message("cannot back up '" + shown + "': " + why);
       return 1;
     }
-    if (!src.directory) {
+    if (!src.place.directory) {
       src.base = element_base_name(src.dle);
       if (src.base.empty() || src.base == L"." || src.base == L"..") {
         console.message("cannot back up '" + shown + "': its element gives no name to store it under");
@@ -343,7 +341,7 @@ int attach_sources(RootSession& session, std::vector<Rule> const& rules, std::ve
       }
     }
     std::string why;
-    src.hand = src.directory ? session.attach(src.root, why) : session.attach_element(src.dle, why);
+    src.hand = session.attach_place(src.place, why);
     if (src.hand == nullptr) {
       console.message("cannot back up '" + shown + "': " + why);
       return 1;
@@ -388,21 +386,18 @@ int cmd_backup(Options const& options, int argc, char** argv) {
   std::vector<std::string> roots;
   std::vector<Source> plan;
   for (std::string const& s : sources) {
-    struct stat st {};
-    if (stat(s.c_str(), &st) != 0 || !S_ISDIR(st.st_mode)) {
-      plan.push_back({s, false, 0, {}, nullptr, nullptr});
-      continue;
+    Source src{};
+    if (int const rc = place_of(kCommand, s, roots, src.place)) return rc;
+    if (src.place.directory) {
+      src.base = base_name(src.place.resolved);
+      if (src.base.empty())
+        return usage_error(kCommand, "the source '" + s + "' is the root directory; name the directories below it");
+      for (Source const& other : plan)
+        if (other.place.directory && other.base == src.base)
+          return usage_error(kCommand, "two sources are named '" + narrow(src.base) +
+                                           "'; an archive holds each under its name");
     }
-    std::string resolved;
-    if (int const rc = resolve_directory(kCommand, s, resolved)) return rc;
-    std::wstring const base = base_name(resolved);
-    if (base.empty())
-      return usage_error(kCommand, "the source '" + s + "' is the root directory; name the directories below it");
-    for (Source const& other : plan)
-      if (other.directory && other.base == base)
-        return usage_error(kCommand, "two sources are named '" + narrow(base) + "'; an archive holds each under its name");
-    plan.push_back({resolved, true, roots.size(), base, nullptr, nullptr});
-    roots.push_back(resolved);
+    plan.push_back(src);
   }
   // Roots the user offered with --root stay offered, so that the elements
   // `qbfs --root DIR tree` lists can be named here too.

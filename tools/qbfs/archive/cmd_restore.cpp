@@ -1,7 +1,8 @@
-// `qbfs restore ARCHIVE -C DIR [PATH...]`
+// `qbfs restore ARCHIVE -C TARGET [PATH...]`
 //
 // Reads the archive once, front to back (it may be a pipe), and restores
-// each object through the layer into DIR: the module creates it from the
+// each object through the layer into TARGET: an existing directory, else an
+// element named as `qbfs backup` names its sources. The element's module creates it from the
 // record's block and takes its streams. An object is judged only when its
 // checksum arrives, after its data: an object found damaged then is deleted
 // again, so no file is left with altered data. A directory is kept (the
@@ -42,6 +43,7 @@
 #include "../arguments.h"
 #include "console.h"
 #include "layer_objects.h"
+#include "archive_terminal_text.h"
 #include "restore_policy.h"
 
 namespace qbfs {
@@ -51,13 +53,17 @@ using namespace archive;
 
 constexpr char kCommand[] = "qbfs restore";
 constexpr char kHelp[] =
-    "usage: qbfs restore ARCHIVE -C DIR [PATH...]\n"
+    "usage: qbfs restore ARCHIVE -C TARGET [PATH...]\n"
     "\n"
-    "Restores the objects of ARCHIVE ('-' reads standard input) into the\n"
-    "existing directory DIR through the layer. With PATHs, restores only\n"
-    "those paths of the archive (and what lies below them).\n"
+    "Restores the objects of ARCHIVE ('-' reads standard input) through the\n"
+    "layer into TARGET: an existing directory, else an element of the tree\n"
+    "the loaded modules (-m) build, named as 'qbfs tree --brief' prints it.\n"
+    "Objects land below TARGET at their paths in the archive (an archive of\n"
+    "/usr/share/doc restores to TARGET/doc). With PATHs, restores only those\n"
+    "paths of the archive (and what lies below them).\n"
     "\n"
-    "  -C, --directory DIR  where to restore (required)\n"
+    "  -C, --directory TARGET\n"
+    "                       where to restore (required)\n"
     "  -v, --verbose        name each object restored; show the layer's messages\n"
     "  -q, --quiet          no progress line, no layer messages\n"
     "\n"
@@ -258,21 +264,23 @@ int cmd_restore(Options const& options, int argc, char** argv) {
   }
   if (archive_name.empty()) return usage_error(kCommand, "no archive given");
   if (directory.empty()) return usage_error(kCommand, "no target directory given (-C DIR)");
-  std::string resolved, why;
-  if (int const rc = resolve_directory(kCommand, directory, resolved)) return rc;
+  std::vector<std::string> roots;
+  Place target;
+  if (int const rc = place_of(kCommand, directory, roots, target)) return rc;
+  // Roots offered with --root stay offered: their elements can be named.
+  for (std::wstring const& r : options.roots) roots.push_back(narrow(r));
   ArchiveInput input;
   if (int const rc = input.open(archive_name, kCommand)) return rc;
   ArchiveReader& reader = input.reader();
   Console console(kCommand, quiet, verbose);
   int rc = 0;
   std::uint64_t restored = 0, bytes = 0;
-  std::string rest;
+  std::string rest, why;
   {
-    RootSession session(options, {resolved});
-    FSYS_HAND_STRUCT* hand = session.error().empty() ? session.attach(0, why) : nullptr;
-    if (!session.error().empty()) why = session.error();
+    RootSession session(options, roots);
+    FSYS_HAND_STRUCT* hand = session.attach_place(target, why);
     if (hand == nullptr) {
-      console.message("cannot restore into '" + directory + "': " + why);
+      console.message("cannot restore into '" + terminal_text(directory) + "': " + why);
       rc = 1;
     } else {
       // The archive keeps every date in UTC, as the layer hands dates out;

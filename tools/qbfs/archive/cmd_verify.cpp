@@ -1,20 +1,32 @@
-// `qbfs verify ARCHIVE [--against DIR]`
+// `qbfs verify ARCHIVE [--against TARGET]...`
 //
 // Reads the archive once and checks every frame and every object's
 // checksum, naming each damaged object. With --against, each intact object
-// is also compared with the object of the same path below DIR (DIR is
-// where the archive would be restored: an archive of /usr/share/doc is
-// compared against /usr/share), read through the layer in archive order:
-// the streams (their ids, sizes and bytes) and, for objects of the posix
-// module, type, permissions, owner, group, size and modification time.
-// Objects in DIR that the archive does not hold are not looked at, so a
-// backup made with exclusions verifies against its source.
+// is also compared with its counterpart in TARGET, read through the layer
+// in archive order. TARGET is what was backed up (or where a restore put
+// it): an existing directory, else an element named as `qbfs backup` names
+// its sources. It stands for the archive's top-level object, so an archive
+// of /usr/share/doc is compared against /usr/share/doc, and one restored
+// with -C /tmp/r against /tmp/r/doc. An archive of several sources has one
+// top-level object per source: the first --against stands for the first,
+// the second for the second, and so on; the objects of a source without a
+// TARGET are not compared (the summary counts them).
+//
+// What is compared, for any module: the kind of block and the streams
+// (their ids, sizes and bytes); for objects of the posix module on both
+// sides, type, permissions, owner, group, size and modification time; for
+// any other, the attribute words, the display size of a file and the
+// modification date, each when the archive describes it. Objects in TARGET
+// that the archive does not hold are not looked at, so a backup made with
+// exclusions verifies against its source.
 #include <unistd.h>
 
 #include <cerrno>
 #include <climits>
 #include <cstdlib>
+#include <cstdio>
 #include <cstring>
+#include <memory>
 #include <string>
 #include <sys/stat.h>
 #include <vector>
@@ -38,21 +50,35 @@ using namespace archive;
 
 constexpr char kCommand[] = "qbfs verify";
 constexpr char kHelp[] =
-    "usage: qbfs verify ARCHIVE [--against DIR]\n"
+    "usage: qbfs verify ARCHIVE [--against TARGET]...\n"
     "\n"
     "Checks that ARCHIVE ('-' reads standard input) is whole: every object's\n"
     "checksum, every frame, the end-of-data record. Names each damaged object.\n"
     "\n"
-    "  --against DIR   also compare each object with the one at the same path\n"
-    "                  below DIR (where the archive would be restored): data,\n"
-    "                  type, permissions, owner, group, size, modification time\n"
+    "  --against TARGET\n"
+    "                  also compare each object with its counterpart in TARGET:\n"
+    "                  the directory or element that was backed up (as backup\n"
+    "                  names sources), or a copy a restore made. It stands for\n"
+    "                  the archive's top-level object; give one per source of\n"
+    "                  an archive of several, in their order. Compares data,\n"
+    "                  type, and permissions, owner, group, size, modification\n"
+    "                  time (other modules: attributes, size, modification date)\n"
     "  -v, --verbose   name each object checked; show the layer's messages\n"
     "  -q, --quiet     no progress line, no layer messages\n"
     "\n"
-    "Exit status: 0 when the archive is whole (and matches DIR), 1 when it\n"
+    "Exit status: 0 when the archive is whole (and matches TARGET), 1 when it\n"
     "is damaged or differs, 2 on bad usage.\n";
 
 constexpr std::size_t kReadBuffer = 1u << 20;
+
+// A date as compared and shown: to the 100 ns the block holds.
+std::string date_text(_DATE_TIME const& d) {
+  if (d.date_valid == 0) return "unset";
+  char text[48];
+  std::snprintf(text, sizeof text, "%04u-%02u-%02u %02u:%02u:%02u.%07u", d.year, d.month, d.day, d.hour, d.minute,
+                d.second, d.ticks);
+  return text;
+}
 
 // A digest of an object's streams: each header's id and size, then its bytes.
 class StreamDigest {
@@ -75,22 +101,63 @@ struct Found {
   std::uint8_t os_id = 0;
   std::vector<unsigned char> os_info;
   std::uint32_t attrib1 = 0, attrib2 = 0;
+  ObjectGeneric generic{};
   Digest digest{};
   std::string problem;  // it could not be read
 };
 
+// Finds an archive object's counterpart: the top-level object of the
+// archive's i-th source in TARGET i, each attached when its source begins.
 class Comparer {
  public:
-  Comparer(FSYS_HAND_STRUCT* hand) : hand_(hand), buffer_(kReadBuffer) {}
-  Found look_up(Components const& path) {
+  Comparer(RootSession& session, std::vector<Place> const& targets, Console& console)
+      : session_(session), targets_(targets), console_(console), buffer_(kReadBuffer) {}
+  ~Comparer() { let_go(); }
+  Comparer(Comparer const&) = delete;
+  Comparer& operator=(Comparer const&) = delete;
+
+  // Objects of a source that no TARGET stands for, and TARGETs that could
+  // not be attached (each said once).
+  std::uint64_t not_compared_ = 0, unusable_ = 0;
+
+  // The counterpart of the object at `path`; `compared` false when there is
+  // no TARGET for its source.
+  Found look_up(Components const& path, bool& compared) {
     Found found;
+    compared = false;
+    if (path.empty()) return found;
+    if (!started_ || path.front() != top_) next_source(path.front());
+    if (hand_ == nullptr) {
+      ++not_compared_;
+      return found;
+    }
+    compared = true;
     std::string why;
-    if (!cursor_.go_to(path, path.size() - 1, false, why)) return found;
-    std::wstring pattern = path.back();
+    if (path.size() == 1) {
+      // The top-level object is TARGET itself; a backup stores its
+      // description, not its streams.
+      Components const root;
+      DBLK blk{};
+      if (!cursor_->go_to(root, false, why)) return found;
+      if (FS_HandGetCurrentDDB(hand_, &blk) == FS_SUCCESS) {
+        read(&blk, found, false);
+        FS_HandReleaseBlk(hand_, &blk);
+      } else {
+        // A module that does not describe its root: backup stored a plain
+        // directory record for it.
+        found.present = true;
+        found.blk_type = DBLK_KIND_DDB;
+        found.digest = StreamDigest().finish();
+      }
+      return found;
+    }
+    Components const below(path.begin() + 1, path.end());
+    if (!cursor_->go_to(below, below.size() - 1, false, why)) return found;
+    std::wstring pattern = below.back();
     DBLK blk{};
     FS_STATUS s = FS_HandFindFirstObj(hand_, &blk, &pattern[0], 0);
     for (; s == FS_SUCCESS; s = FS_HandFindNextObj(hand_, &blk))
-      if (object_name(hand_, &blk) == path.back()) break;
+      if (object_name(hand_, &blk) == below.back()) break;
     if (s == FS_SUCCESS) read(&blk, found);
     FS_HandFindObjClose(hand_, &blk);
     FS_HandReleaseBlk(hand_, &blk);
@@ -98,12 +165,39 @@ class Comparer {
   }
 
  private:
-  void read(DBLK* blk, Found& found) {
+  // A new top-level name: the next TARGET takes over.
+  void next_source(std::wstring const& top) {
+    let_go();
+    started_ = true;
+    top_ = top;
+    if (next_ >= targets_.size()) return;
+    Place const& target = targets_[next_++];
+    std::string why;
+    hand_ = session_.attach_place(target, why);
+    if (hand_ == nullptr) {
+      ++unusable_;
+      console_.message("cannot compare against '" + target.text + "': " + why);
+      return;
+    }
+    cursor_ = std::make_unique<HandleCursor>(hand_);
+  }
+
+  void let_go() {
+    cursor_.reset();  // steps the handle back to its root first
+    if (hand_ != nullptr) FS_DetachDLE(hand_);
+    hand_ = nullptr;
+  }
+
+ private:
+  // A hard-link stream names the first name below TARGET; the archive
+  // holds it below the top-level name, as every path (backup adds it).
+  void read(DBLK* blk, Found& found, bool streams = true) {
     found.present = true;
     found.blk_type = blk->blk_type;
     found.os_id = blk->os_id;
     found.attrib1 = FS_GetAttrib1FromDBLK(hand_, blk);
     found.attrib2 = FS_GetAttrib2FromDBLK(hand_, blk);
+    found.generic = generic_description(hand_, blk);
     std::uint32_t const size = FS_SizeofOS_InfoInDBLK(hand_, blk);
     found.os_info.resize(kMaxOsInfo);
     if (size > kMaxOsInfo || FS_GetOS_InfoFromDBLK(hand_, blk, found.os_info.data()) != FS_SUCCESS)
@@ -112,13 +206,22 @@ class Comparer {
       found.os_info.resize(size);
     StreamDigest digest;
     _FILE_HAND_STRUCT* obj = nullptr;
-    FS_STATUS status = FS_OpenObj(hand_, &obj, blk, FS_READ);
+    FS_STATUS status = streams ? FS_OpenObj(hand_, &obj, blk, FS_READ) : FS_ERR_OBJ_NO_DATA;
+    // A module that does not open directories has no streams for them.
+    if (status == FS_ERR_NOT_SUPPORTED && blk->blk_type == DBLK_KIND_DDB) status = FS_ERR_OBJ_NO_DATA;
+    std::string const link_prefix = narrow(top_) + "/";
     while (status == FS_SUCCESS) {
       unsigned size_read = static_cast<unsigned>(buffer_.size()), need = 0;
       STREAM_INFO header{};
       status = FS_ReadObj(obj, buffer_.data(), &size_read, &need, &header);
       if (status != FS_SUCCESS) break;
-      if (header.id != STRM_INVALID) digest.header(header);
+      if (header.id == STRM_NTFS_LINK) {
+        header.size += link_prefix.size();
+        digest.header(header);
+        digest.data(link_prefix.data(), link_prefix.size());
+      } else if (header.id != STRM_INVALID) {
+        digest.header(header);
+      }
       if (size_read > 0) digest.data(buffer_.data(), size_read);
     }
     if (obj != nullptr) FS_CloseObj(obj, nullptr, nullptr);
@@ -126,10 +229,38 @@ class Comparer {
     found.digest = digest.finish();
   }
 
-  FSYS_HAND_STRUCT* hand_;
+  RootSession& session_;
+  std::vector<Place> const& targets_;
+  Console& console_;
   std::vector<unsigned char> buffer_;
-  HandleCursor cursor_{hand_};
+  std::size_t next_ = 0;  // the TARGET the next source takes
+  bool started_ = false;
+  std::wstring top_;      // the current source's top-level name
+  FSYS_HAND_STRUCT* hand_ = nullptr;
+  std::unique_ptr<HandleCursor> cursor_;
 };
+
+// What differs between the archive's description of an object and the
+// counterpart found; empty when nothing does. The data is compared apart.
+std::string differences(ObjectEntry const& entry, Found const& found) {
+  if (!found.present) return "not found";
+  if (!found.problem.empty()) return "cannot be read: " + found.problem;
+  if (found.blk_type != entry.record.blk_type) return "a directory on one side, not on the other";
+  qbposix::POSIX_OS_INFO a{}, b{};
+  if (stat_view(entry.record.os_id, entry.os_info, a) && stat_view(found.os_id, found.os_info, b))
+    return posix_differences(a, b);
+  std::string out;
+  auto add = [&](std::string const& what) { out += (out.empty() ? "" : ", ") + what; };
+  if (found.attrib1 != entry.record.attrib1 || found.attrib2 != entry.record.attrib2) add("attributes differ");
+  if (!entry.has_generic) return out;
+  ObjectGeneric const& g = entry.generic;
+  if (entry.record.blk_type != DBLK_KIND_DDB && g.display_size != found.generic.display_size)
+    add("size " + std::to_string(g.display_size) + " in the archive, " + std::to_string(found.generic.display_size) +
+        " found");
+  if (g.mdate.date_valid != 0 && date_text(g.mdate) != date_text(found.generic.mdate))
+    add("modification date " + date_text(g.mdate) + " in the archive, " + date_text(found.generic.mdate) + " found");
+  return out;
+}
 
 struct Tally {
   std::uint64_t objects = 0, bytes = 0, damaged = 0, incomplete = 0, differ = 0;
@@ -138,12 +269,13 @@ struct Tally {
 void verify(ArchiveReader& reader, Console& console, Comparer* against, bool verbose, Tally& tally) {
   StreamDigest digest;
   Found found;
+  bool compared = false;
   for (Event e = reader.next(); e.kind != EventKind::end; e = reader.next()) {
     ObjectEntry const& entry = reader.object();
     switch (e.kind) {
       case EventKind::object:
         ++tally.objects;
-        if (against != nullptr) found = against->look_up(entry.components);
+        if (against != nullptr) found = against->look_up(entry.components, compared);
         break;
       case EventKind::stream:
         digest.header(e.stream);
@@ -168,20 +300,8 @@ void verify(ArchiveReader& reader, Console& console, Comparer* against, bool ver
           ++tally.incomplete;
           console.message("incomplete: " + path + ": its reading failed at backup");
         }
-        if (against != nullptr) {
-          std::string difference;
-          qbposix::POSIX_OS_INFO a{}, b{};
-          if (!found.present) {
-            difference = "not found";
-          } else if (!found.problem.empty()) {
-            difference = "cannot be read: " + found.problem;
-          } else if (found.blk_type != entry.record.blk_type) {
-            difference = "a directory on one side, not on the other";
-          } else if (stat_view(entry.record.os_id, entry.os_info, a) && stat_view(found.os_id, found.os_info, b)) {
-            difference = posix_differences(a, b);
-          } else if (found.attrib1 != entry.record.attrib1 || found.attrib2 != entry.record.attrib2) {
-            difference = "attributes differ";
-          }
+        if (against != nullptr && compared) {
+          std::string difference = differences(entry, found);
           if (difference.empty() && e.verdict == Verdict::intact && found.digest != archived)
             difference = "its data differs";
           if (!difference.empty()) {
@@ -210,43 +330,45 @@ int cmd_verify(Options const& options, int argc, char** argv) {
   }
   if (args.operands.size() > 1) return usage_error(kCommand, "more than one archive given");
   std::string const archive_name = args.operands.empty() ? std::string() : args.operands.front();
-  std::string const against = args.value("--against");
   bool const verbose = args.has("--verbose"), quiet = options.quiet || args.has("--quiet");
   if (archive_name.empty()) return usage_error(kCommand, "no archive given");
-  std::string resolved, why;
-  if (!against.empty())
-    if (int const rc = resolve_directory(kCommand, against, resolved)) return rc;
+  std::vector<std::string> roots;
+  std::vector<Place> targets;
+  for (auto const& [name, value] : args.options) {
+    if (name != "--against") continue;
+    targets.emplace_back();
+    if (int const rc = place_of(kCommand, value, roots, targets.back())) return rc;
+  }
+  // Roots offered with --root stay offered: their elements can be named.
+  for (std::wstring const& r : options.roots) roots.push_back(narrow(r));
   ArchiveInput input;
   if (int const rc = input.open(archive_name, kCommand)) return rc;
   ArchiveReader& reader = input.reader();
   Console console(kCommand, quiet, verbose);
   Tally tally;
   int rc = 0;
-  if (against.empty()) {
+  std::uint64_t not_compared = 0;
+  if (targets.empty()) {
     verify(reader, console, nullptr, verbose, tally);
   } else {
-    RootSession session(options, {resolved});
-    FSYS_HAND_STRUCT* hand = session.error().empty() ? session.attach(0, why) : nullptr;
-    if (!session.error().empty()) why = session.error();
-    if (hand == nullptr) {
-      console.message("cannot compare against '" + against + "': " + why);
-      rc = 1;
-    } else {
-      {
-        Comparer comparer(hand);
-        verify(reader, console, &comparer, verbose, tally);
-      }
-      FS_DetachDLE(hand);
-    }
+    RootSession session(options, roots);
+    Comparer comparer(session, targets, console);
+    verify(reader, console, &comparer, verbose, tally);
+    not_compared = comparer.not_compared_;
+    if (comparer.unusable_ > 0) rc = 1;
   }
-  if (rc != 0) return rc;
   EndState const& end = reader.end_state();
   if (!end.problem.empty()) console.message("the archive is damaged: " + end.problem);
   std::string rest = tally.damaged == 0 && !end.damaged ? "whole" : grouped(tally.damaged) + " damaged";
   if (tally.incomplete > 0) rest += ", " + grouped(tally.incomplete) + " incomplete at backup";
-  if (!against.empty()) rest += ", " + grouped(tally.differ) + " differ from " + against;
+  if (!targets.empty()) {
+    std::string named;
+    for (Place const& t : targets) named += (named.empty() ? "" : ", ") + t.text;
+    rest += ", " + grouped(tally.differ) + " differ from " + named;
+  }
+  if (not_compared > 0) rest += ", " + grouped(not_compared) + " not compared";
   console.summary(tally.objects, tally.bytes, rest, stdout);
-  return tally.damaged > 0 || end.damaged || tally.differ > 0 ? 1 : 0;
+  return rc != 0 || tally.damaged > 0 || end.damaged || tally.differ > 0 || not_compared > 0 ? 1 : 0;
 }
 
 }  // namespace qbfs

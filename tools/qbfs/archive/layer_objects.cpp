@@ -1,5 +1,7 @@
 #include "layer_objects.h"
 
+#include <sys/stat.h>
+
 #include <cstdlib>
 #include <ctime>
 
@@ -7,6 +9,7 @@
 
 #include "../status_text.h"
 #include "archive_terminal_text.h"
+#include "input.h"
 
 namespace qbfs::archive {
 namespace {
@@ -91,6 +94,35 @@ GENERIC_DLE* RootSession::find_element(std::wstring const& name) const {
   // only tried when no device name matches, so they never shadow one.
   if (GENERIC_DLE* dle = find_named(head_->dle_q, name, NameKind::device)) return dle;
   return find_named(head_->dle_q, name, NameKind::other);
+}
+
+GENERIC_DLE* RootSession::element_of(Place const& place) const {
+  return place.directory ? dle(place.root) : find_element(widen(place.text));
+}
+
+FSYS_HAND_STRUCT* RootSession::attach_place(Place const& place, std::string& why) {
+  if (!error_.empty()) {
+    why = error_;
+    return nullptr;
+  }
+  GENERIC_DLE* element = element_of(place);
+  if (element == nullptr && !place.directory) {
+    why = "it is neither a directory nor an element `qbfs tree` lists";
+    return nullptr;
+  }
+  return attach_element(element, why);
+}
+
+int place_of(char const* command, std::string const& text, std::vector<std::string>& roots, Place& out) {
+  out = Place{};
+  out.text = text;
+  struct stat st {};
+  if (stat(text.c_str(), &st) != 0 || !S_ISDIR(st.st_mode)) return 0;
+  if (int const rc = resolve_directory(command, text, out.resolved)) return rc;
+  out.directory = true;
+  out.root = roots.size();
+  roots.push_back(out.resolved);
+  return 0;
 }
 
 FSYS_HAND_STRUCT* RootSession::attach(std::size_t i, std::string& why) { return attach_element(dle(i), why); }

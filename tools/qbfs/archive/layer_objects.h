@@ -17,6 +17,20 @@
 
 namespace qbfs::archive {
 
+// A directory or an element named on the command line (a backup's SRC, a
+// restore's -C, a verify's --against): an existing directory is offered to
+// the modules as a root; any other text names an element of the tree.
+struct Place {
+  std::string text;       // as given
+  bool directory = false;
+  std::string resolved;   // the directory's real path
+  std::size_t root = 0;   // the directory's index among the session's roots
+};
+// The place `text` names. A directory is appended to `roots`; 0, or 1
+// after "<command>: cannot use the directory ..." when a directory's real
+// path cannot be had.
+int place_of(char const* command, std::string const& text, std::vector<std::string>& roots, Place& out);
+
 // Starts the layer with `roots` (absolute directory paths) as the modules'
 // roots and builds the tree. Besides the roots, any element of the tree can
 // be looked up by name (find_element) and attached.
@@ -41,6 +55,13 @@ class RootSession {
   // A handle attached to `element` (of this session's tree); null with
   // `why` filled when that fails. The caller detaches it (FS_DetachDLE).
   FSYS_HAND_STRUCT* attach_element(GENERIC_DLE* element, std::string& why);
+  // The element of `place`: the root's, or the one named by its text; null
+  // when there is none.
+  GENERIC_DLE* element_of(Place const& place) const;
+  // A handle attached to `place`'s element; null with `why` filled when
+  // there is none ("it is neither a directory nor an element ...") or it
+  // cannot be attached. The caller detaches it (FS_DetachDLE).
+  FSYS_HAND_STRUCT* attach_place(Place const& place, std::string& why);
 
  private:
   Options options_;
