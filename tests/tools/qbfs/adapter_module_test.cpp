@@ -68,10 +68,9 @@ std::vector<served> const& adapterfs_tree() {
   return tree;
 }
 
-// The object's path as the archive holds it.
-std::string archived(served const& obj) {
-  return obj.path[0] == '\0' ? kElement : kElement + "/" + obj.path;
-}
+// The path as the archive holds it of the object at `path` below the element.
+std::string archived(std::string const& path) { return path.empty() ? kElement : kElement + "/" + path; }
+std::string archived(served const& obj) { return archived(std::string(obj.path)); }
 
 // Seconds since the epoch of the served date.
 std::time_t epoch_seconds(served const& obj) {
@@ -207,6 +206,44 @@ TEST(AdapterModule, VerifiesAgainstTheElement) {
   EXPECT_TRUE(clean(verify));
   EXPECT_EQ(verify.status, 0) << verify.out << verify.err;
 }
+
+// Each way the element can come to differ from the archive, one object
+// changed at a time (ADAPTERFS_CHANGE, adapter_module/adapterfs_tree.cpp):
+// verify reads it again through the adapter, names that object and exits 1.
+struct served_change {
+  char const* name;
+  char const* path;   // below the element
+  char const* field;  // what the module changes
+};
+void PrintTo(served_change const& c, std::ostream* os) { *os << c.name; }
+
+class AdapterModuleChanged : public ::testing::TestWithParam<served_change> {};
+
+TEST_P(AdapterModuleChanged, VerifyAgainstTheElementNamesTheObject) {
+  BackedUp const s;
+  ASSERT_EQ(s.backup.status, 0) << s.backup.err;
+  std::string const change = std::string(GetParam().path) + ":" + GetParam().field;
+  ToolRun const verify = qbtest::shell("ADAPTERFS_CHANGE='" + change + "' " + qbtest::qbfs_command() + kModule +
+                                       "verify '" + s.archive + "' --against " + kElement);
+  EXPECT_TRUE(clean(verify));
+  EXPECT_EQ(verify.status, 1) << verify.err;
+  EXPECT_TRUE(has(verify.err, "differs: " + archived(GetParam().path) + ": ")) << verify.err;
+  EXPECT_TRUE(has(verify.out, " 1 differ")) << "that object alone\n" << verify.out;
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Verify, AdapterModuleChanged,
+    ::testing::Values(served_change{"ElementRootDate", "", "mdate"},
+                      served_change{"ElementRootAttributeWord2", "", "attrib2"},
+                      served_change{"FileDate", "src/main.c", "mdate"},
+                      served_change{"DirectoryDate", "src/deep", "mdate"},
+                      served_change{"EmptyDirectoryDate", "void", "mdate"},
+                      served_change{"FileAttributeWord1", "notes.txt", "attrib1"},
+                      served_change{"FileAttributeWord2", "src/deep/leaf.txt", "attrib2"},
+                      served_change{"DirectoryAttributeWord1", "src", "attrib1"},
+                      served_change{"LastByteOfALargeFile", "large.bin", "data"},
+                      served_change{"LastByteOfASmallFile", "notes.txt", "data"}),
+    [](auto const& info) { return std::string(info.param.name); });
 
 TEST(AdapterModule, RestoresBytesAndDatesIntoADirectory) {
   BackedUp const s;

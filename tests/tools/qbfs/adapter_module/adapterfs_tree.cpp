@@ -3,6 +3,16 @@
 // metadata went where; one date has a fraction of a second. large.bin is
 // bigger than the module's read unit and than the layer's staging buffer,
 // and empty.txt has no data at all.
+//
+// ADAPTERFS_CHANGE ("PATH:FIELD", PATH below the element) serves one object
+// slightly changed, so that a comparison with an earlier archive has one
+// difference to find (an empty PATH: the element's root). FIELD is one of
+//   mdate    its seconds field moved on by one
+//   attrib1  attribute word 1 with bit 8 flipped
+//   attrib2  attribute word 2 with bit 8 flipped
+//   data     a file's last byte flipped (its size stays)
+#include <cstdlib>
+
 #include "adapterfs.h"
 
 namespace adapterfs {
@@ -32,6 +42,37 @@ Node dir(wchar_t const* name, _DATE_TIME mdate, std::uint32_t attrib1, std::uint
   return {name, true, mdate, attrib1, attrib2, {}, std::move(children)};
 }
 
+Node* find(Node& dir, std::string const& path) {
+  std::size_t const slash = path.find('/');
+  std::string const first = path.substr(0, slash);
+  for (Node& child : dir.children) {
+    std::string name;
+    for (wchar_t c : child.name) name.push_back(static_cast<char>(c));  // the names are ASCII
+    if (name != first) continue;
+    return slash == std::string::npos ? &child : find(child, path.substr(slash + 1));
+  }
+  return nullptr;
+}
+
+void change(Node& root, char const* request) {
+  constexpr std::uint32_t kFlipped = 0x100;
+  std::string const text = request == nullptr ? "" : request;
+  std::size_t const colon = text.rfind(':');
+  if (colon == std::string::npos) return;
+  Node* node = colon == 0 ? &root : find(root, text.substr(0, colon));
+  if (node == nullptr) return;
+  std::string const field = text.substr(colon + 1);
+  if (field == "mdate") {
+    node->mdate.second = static_cast<std::uint8_t>((node->mdate.second + 1) % 60);
+  } else if (field == "attrib1") {
+    node->attrib1 ^= kFlipped;
+  } else if (field == "attrib2") {
+    node->attrib2 ^= kFlipped;
+  } else if (field == "data" && !node->data.empty()) {
+    node->data.back() = static_cast<char>(~node->data.back());
+  }
+}
+
 Node build() {
   std::string large(kLargeFileBytes, '\0');
   for (std::size_t i = 0; i < large.size(); ++i) large[i] = static_cast<char>((i * 7 + i / 251) & 0xFF);
@@ -49,8 +90,14 @@ Node build() {
 
 }  // namespace
 
+Node changed_tree() {
+  Node root = build();
+  change(root, std::getenv(ADAPTERFS_CHANGE_VARIABLE));
+  return root;
+}
+
 Node const& adapterfs_root() {
-  static Node const root = build();
+  static Node const root = changed_tree();
   return root;
 }
 
