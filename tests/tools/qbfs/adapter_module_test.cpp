@@ -313,6 +313,47 @@ INSTANTIATE_TEST_SUITE_P(
                                 {"large.bin", "void"}}),
     [](auto const& info) { return std::string(info.param.name); });
 
+// The copy a restore made into a directory stands for the element too: the
+// posix module keeps no attribute words of another module, but the kinds,
+// data, sizes and modification dates must match, and a change made to the
+// copy afterwards is found.
+struct copy_change {
+  char const* name;
+  char const* command;  // run in the copy's directory; "" for none
+  char const* differs;  // the path below the element that differs; null for none
+};
+void PrintTo(copy_change const& c, std::ostream* os) { *os << c.name; }
+
+class AdapterModuleRestoredCopy : public ::testing::TestWithParam<copy_change> {};
+
+TEST_P(AdapterModuleRestoredCopy, VerifyAgainstTheCopy) {
+  BackedUp const s;
+  ASSERT_EQ(s.backup.status, 0) << s.backup.err;
+  std::string const target = s.fresh("restored");
+  ASSERT_EQ(qbfs("restore '" + s.archive + "' -C '" + target + "'").status, 0);
+  std::string const copy = target + "/" + kElement;
+  if (*GetParam().command != '\0') {
+    ASSERT_EQ(qbtest::shell("cd '" + copy + "' && " + GetParam().command).status, 0);
+  }
+  ToolRun const verify = qbfs("verify '" + s.archive + "' --against '" + copy + "'");
+  EXPECT_TRUE(clean(verify));
+  if (GetParam().differs == nullptr) {
+    EXPECT_EQ(verify.status, 0) << verify.err;
+  } else {
+    EXPECT_EQ(verify.status, 1) << verify.err;
+    EXPECT_TRUE(has(verify.err, "differs: " + archived(GetParam().differs) + ": ")) << verify.err;
+    EXPECT_TRUE(has(verify.out, " 1 differ")) << "that object alone\n" << verify.out;
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Verify, AdapterModuleRestoredCopy,
+    ::testing::Values(copy_change{"Unchanged", "", nullptr},
+                      copy_change{"FileDate", "touch -m -d '2001-01-01 00:00:00 UTC' src/main.c", "src/main.c"},
+                      copy_change{"DirectoryDate", "touch -m -d '2001-01-01 00:00:00 UTC' void", "void"},
+                      copy_change{"FileData", "printf 'Served through an adaptor.\\n' > notes.txt", "notes.txt"}),
+    [](auto const& info) { return std::string(info.param.name); });
+
 // `qbfs validate` attaches, walks and reads a module the way a job does; a
 // module whose handles attach through their adapter is checked in full.
 TEST(AdapterModule, ValidateAttachesWalksAndReadsThroughTheAdapter) {
