@@ -50,6 +50,9 @@ struct Node {
 // The tree served, built once; its root is the element itself.
 Node const& adapterfs_root();
 
+// A name of the tree as bytes (the tree's names are ASCII).
+std::string adapterfs_narrow(std::wstring const& name);
+
 // The adapter installed on each handle of the module. It keeps the handle's
 // walking state itself and is deleted by CloseSys (FS_FshGen's), after it
 // let go of what it holds. Block operations it does not override are
@@ -83,7 +86,7 @@ class Adapter final : public FS_FshGen {
   std::string current_path() const;
   FS_STATUS fill_block(FSYS_HAND_STRUCT* fsh, DBLK* blk, Node const& node);
   void release_name(FSYS_HAND_STRUCT* fsh, DBLK* blk);
-  void let_go(FSYS_HAND_STRUCT* fsh);
+  void let_go();
 
   // From the root to the current directory, each with the next entry of
   // its listing.

@@ -39,8 +39,7 @@ FS_STATUS Adapter::OpenObj(FSYS_HAND_STRUCT* fsh, _FILE_HAND_STRUCT** out, DBLK*
   auto* file = new (std::nothrow) OpenFile{};
   if (file == nullptr) return FS_ERR_NO_MEMORY;
   std::string const dir = current_path();
-  std::string name;
-  for (wchar_t c : node->name) name.push_back(static_cast<char>(c));
+  std::string const name = adapterfs_narrow(node->name);
   file->fsysHand = fsh;
   file->node = node;
   file->fails = is_failing(dir.empty() ? name : dir + "/" + name);

@@ -46,9 +46,7 @@ Node* find(Node& dir, std::string const& path) {
   std::size_t const slash = path.find('/');
   std::string const first = path.substr(0, slash);
   for (Node& child : dir.children) {
-    std::string name;
-    for (wchar_t c : child.name) name.push_back(static_cast<char>(c));  // the names are ASCII
-    if (name != first) continue;
+    if (adapterfs_narrow(child.name) != first) continue;
     return slash == std::string::npos ? &child : find(child, path.substr(slash + 1));
   }
   return nullptr;
@@ -94,6 +92,12 @@ Node changed_tree() {
   Node root = build();
   change(root, std::getenv(ADAPTERFS_CHANGE_VARIABLE));
   return root;
+}
+
+std::string adapterfs_narrow(std::wstring const& name) {
+  std::string out;
+  for (wchar_t c : name) out.push_back(static_cast<char>(c));
+  return out;
 }
 
 Node const& adapterfs_root() {

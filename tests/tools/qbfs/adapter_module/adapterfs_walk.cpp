@@ -39,12 +39,6 @@ Node const* child_named(Node const& dir, std::wstring const& name) {
   return nullptr;
 }
 
-std::string narrow(std::wstring const& wide) {
-  std::string out;
-  for (wchar_t c : wide) out.push_back(static_cast<char>(c));  // the tree's names are ASCII
-  return out;
-}
-
 }  // namespace
 
 FS_STATUS Adapter::AttachToDLE(FSYS_HAND_STRUCT* fsh, GENERIC_DLE* dle, wchar_t*, wchar_t*) {
@@ -56,18 +50,18 @@ FS_STATUS Adapter::AttachToDLE(FSYS_HAND_STRUCT* fsh, GENERIC_DLE* dle, wchar_t*
 
 FS_STATUS Adapter::DetachDLE(FSYS_HAND_STRUCT* fsh, void*, void**) {
   if (fsh == nullptr) return FS_ERR_BAD_PARAMETER;
-  let_go(fsh);
+  let_go();
   return FS_SUCCESS;
 }
 
 FS_STATUS Adapter::CloseSys(FSYS_HAND_STRUCT* fsh) {
-  let_go(fsh);
+  let_go();
   return FS_FshGen::CloseSys(fsh);  // deletes this object
 }
 
 // Name elements still in blocks belong to the handle's pool, which the
 // layer empties as the handle goes; only the walking state is ours.
-void Adapter::let_go(FSYS_HAND_STRUCT*) {
+void Adapter::let_go() {
   path_.clear();
   names_.clear();
   attached_ = false;
@@ -82,7 +76,7 @@ Node const* Adapter::entry_of(DBLK const* blk) const {
 
 std::string Adapter::current_path() const {
   std::string path;
-  for (std::size_t i = 1; i < path_.size(); ++i) path += (i > 1 ? "/" : "") + narrow(path_[i].dir->name);
+  for (std::size_t i = 1; i < path_.size(); ++i) path += (i > 1 ? "/" : "") + adapterfs_narrow(path_[i].dir->name);
   return path;
 }
 
