@@ -84,6 +84,17 @@ std::time_t epoch_seconds(served const& obj) {
   return timegm(&utc);
 }
 
+// The paths `qbfs ls` prints, without the '/' that marks directories.
+std::set<std::string> listed_paths(std::string const& out) {
+  std::set<std::string> listed;
+  std::istringstream lines(out);
+  for (std::string line; std::getline(lines, line);) {
+    if (!line.empty() && line.back() == '/') line.pop_back();
+    listed.insert(line);
+  }
+  return listed;
+}
+
 // ---- the module's table ------------------------------------------------------
 
 // The names of the slots a table fills.
@@ -287,12 +298,7 @@ TEST_P(AdapterModuleExclusion, LeavesOutWhatThePatternsName) {
   ASSERT_TRUE(clean(backup));
   ASSERT_EQ(backup.status, 0) << backup.err;
   ToolRun const ls = qbfs("ls '" + archive + "'");
-  std::set<std::string> listed;
-  std::istringstream lines(ls.out);
-  for (std::string line; std::getline(lines, line);) {
-    if (!line.empty() && line.back() == '/') line.pop_back();
-    listed.insert(line);
-  }
+  std::set<std::string> const listed = listed_paths(ls.out);
   std::set<std::string> expected;
   for (served const& obj : adapterfs_tree()) {
     bool out = false;
@@ -416,6 +422,37 @@ TEST_P(AdapterModuleReadError, BackupAndRestoreNameTheObjectAndExitOne) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Backup, AdapterModuleReadError, ::testing::Values("src/main.c", "large.bin"),
+                         [](auto const& info) {
+                           std::string name = info.param;
+                           for (char& c : name)
+                             if (!std::isalnum(static_cast<unsigned char>(c))) c = '_';
+                           return name;
+                         });
+
+// With ADAPTERFS_FAIL_ENTER naming a directory, entering it fails: backup
+// names that directory, exits 1 and stores all else; what lies below it is
+// missing.
+class AdapterModuleEnterError : public ::testing::TestWithParam<char const*> {};
+
+TEST_P(AdapterModuleEnterError, BackupNamesTheDirectoryAndKeepsTheRest) {
+  std::string const failing = GetParam();
+  qbtest::ScratchDir const s;
+  std::string const archive = s.dir + "/failed.qbfs";
+  ToolRun const backup = qbtest::shell("ADAPTERFS_FAIL_ENTER='" + failing + "' " + qbtest::qbfs_command() +
+                                       kModule + "-q backup " + kElement + " -o '" + archive + "'");
+  EXPECT_TRUE(clean(backup));
+  EXPECT_EQ(backup.status, 1) << backup.err;
+  EXPECT_TRUE(has(backup.err, archived(failing) + ": ")) << backup.err;
+  ToolRun const ls = qbfs("ls '" + archive + "'");
+  EXPECT_EQ(ls.status, 0) << ls.err;
+  std::set<std::string> const listed = listed_paths(ls.out);
+  std::set<std::string> expected;
+  for (served const& obj : adapterfs_tree())
+    if (std::string(obj.path).rfind(failing + "/", 0) != 0) expected.insert(archived(obj));
+  EXPECT_EQ(listed, expected);
+}
+
+INSTANTIATE_TEST_SUITE_P(Backup, AdapterModuleEnterError, ::testing::Values("src", "src/deep", "void"),
                          [](auto const& info) {
                            std::string name = info.param;
                            for (char& c : name)

@@ -12,7 +12,8 @@
 //
 // Setting ADAPTERFS_FAIL_READ to an object's path below the element (e.g.
 // "src/main.c") makes reading that file fail after its first unit, so the
-// tests can watch a backup meet a module's read error. ADAPTERFS_CHANGE
+// tests can watch a backup meet a module's read error; ADAPTERFS_FAIL_ENTER
+// naming a directory makes entering it fail. ADAPTERFS_CHANGE
 // serves one object changed (adapterfs_tree.cpp says how).
 #pragma once
 #include <cstddef>
@@ -34,6 +35,7 @@ constexpr wchar_t ADAPTERFS_DEVICE_NAME[] = L"adapterfs:";
 // for this much room (it stages for callers that offer less).
 constexpr std::uint32_t ADAPTERFS_READ_UNIT = 8u * 1024u;
 constexpr char ADAPTERFS_FAIL_READ_VARIABLE[] = "ADAPTERFS_FAIL_READ";
+constexpr char ADAPTERFS_FAIL_ENTER_VARIABLE[] = "ADAPTERFS_FAIL_ENTER";
 constexpr char ADAPTERFS_CHANGE_VARIABLE[] = "ADAPTERFS_CHANGE";
 
 // One object of the tree. Dates are UTC.

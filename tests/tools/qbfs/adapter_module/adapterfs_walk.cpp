@@ -13,6 +13,7 @@
 // go to the creator directly, not through FS_CreateGenDBLK, so nothing
 // converts them.
 #include <algorithm>
+#include <cstdlib>
 #include <cstring>
 #include <cwchar>
 
@@ -126,10 +127,16 @@ FS_STATUS Adapter::ChangeDir(FSYS_HAND_STRUCT* fsh, wchar_t* path, short size) {
   return FS_SUCCESS;
 }
 
+// The directory named by ADAPTERFS_FAIL_ENTER cannot be entered, as one
+// whose device went away between its listing and its walk.
 FS_STATUS Adapter::ChangeIntoDDB(FSYS_HAND_STRUCT* fsh, DBLK* blk) {
   if (fsh == nullptr || !attached_) return FS_ERR_BAD_PARAMETER;
   Node const* entry = entry_of(blk);
   if (entry == nullptr || !entry->directory) return FS_ERR_NOT_SUPPORTED;
+  std::string const dir = current_path();
+  std::string const path = (dir.empty() ? "" : dir + "/") + adapterfs_narrow(entry->name);
+  char const* failing = std::getenv(ADAPTERFS_FAIL_ENTER_VARIABLE);
+  if (failing != nullptr && path == failing) return FS_ERR_NOT_SUPPORTED;
   path_.push_back({entry, 0, L"*"});
   return FS_SUCCESS;
 }
