@@ -15,8 +15,10 @@
 // What is compared, for any module: the kind of block and the streams
 // (their ids, sizes and bytes); for objects of the posix module on both
 // sides, type, permissions, owner, group, size and modification time; for
-// any other, the attribute words, the display size of a file and the
-// modification date, each when the archive describes it. Objects in TARGET
+// any other, the display size of a file and the modification date, each
+// when the archive describes it, and the attribute words when both sides
+// are of the same OS id (a posix copy of another module's object keeps no
+// such words). An empty data stream counts as none. Objects in TARGET
 // that the archive does not hold are not looked at, so a backup made with
 // exclusions verifies against its source.
 #include <unistd.h>
@@ -62,7 +64,8 @@ constexpr char kHelp[] =
     "                  the archive's top-level object; give one per source of\n"
     "                  an archive of several, in their order. Compares data,\n"
     "                  type, and permissions, owner, group, size, modification\n"
-    "                  time (other modules: attributes, size, modification date)\n"
+    "                  time (other modules: size, modification date, and the\n"
+    "                  attribute words when TARGET is of the same module)\n"
     "  -v, --verbose   name each object checked; show the layer's messages\n"
     "  -q, --quiet     no progress line, no layer messages\n"
     "\n"
