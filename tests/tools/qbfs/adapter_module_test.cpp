@@ -382,6 +382,19 @@ TEST(AdapterModule, ValidateAttachesWalksAndReadsThroughTheAdapter) {
     EXPECT_TRUE(has(run.out, line)) << line << "\n" << run.out;
 }
 
+// The element is read-only (its adapter makes no object and opens none for
+// writing): a restore into it fails for every object, says so, and exits 1.
+TEST(AdapterModule, RestoreIntoTheReadOnlyElementFailsCleanly) {
+  BackedUp const s;
+  ASSERT_EQ(s.backup.status, 0) << s.backup.err;
+  ToolRun const restore = qbfs(kModule + "restore '" + s.archive + "' -C " + kElement);
+  EXPECT_TRUE(clean(restore));
+  EXPECT_EQ(restore.status, 1) << restore.err;
+  EXPECT_TRUE(has(restore.err, archived("") + ": cannot be restored")) << restore.err;
+  EXPECT_TRUE(has(restore.out, " 0 objects")) << restore.out;
+  EXPECT_TRUE(has(restore.out, " " + std::to_string(adapterfs_tree().size()) + " failed")) << restore.out;
+}
+
 // ---- a module that fails mid-read ------------------------------------------------
 
 // With ADAPTERFS_FAIL_READ naming a file, the module's read of it fails once
