@@ -16,7 +16,7 @@ FS_STATUS memfs_attach(FSYS_HAND_STRUCT* fsh, GENERIC_DLE* dle, wchar_t*, wchar_
   auto* state = new (std::nothrow) HandleState;
   fsh->fsysData = state;
   if (state == nullptr) return FS_ERR_NO_MEMORY;
-  state->path.push_back({&memfs_root(), 0, L"*"});
+  state->path.push_back({memfs_root(), 0, L"*"});
   return FS_SUCCESS;
 }
 

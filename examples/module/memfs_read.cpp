@@ -1,7 +1,9 @@
-// Reading an object: a file is one data stream (STRM_GENERIC_DATA), its
-// header delivered by a call of its own, then its bytes; the end is
-// FS_ERR_OBJ_NO_DATA. Each call asks through `need` for MEMFS_READ_UNIT
-// bytes of room, so the layer stages for callers that offer less.
+// Opening an object, and reading it: a file is one data stream
+// (STRM_GENERIC_DATA), its header delivered by a call of its own, then its
+// bytes; the end is FS_ERR_OBJ_NO_DATA. Each call asks through `need` for
+// MEMFS_READ_UNIT bytes of room, so the layer stages for callers that offer
+// less. Opening for writing is for a restore (memfs_write.cpp); a directory
+// opens only for that, as it has no stream to read.
 #include <algorithm>
 #include <cstddef>
 #include <cstring>
@@ -10,28 +12,26 @@
 #include "memfs.h"
 
 namespace memfs {
-namespace {
-
-// The layer's fields first, then the module's own.
-struct OpenFile : _FILE_HAND_STRUCT {
-  Node const* node = nullptr;
-  bool header_sent = false;
-  std::size_t offset = 0;
-};
-
-}  // namespace
 
 FS_STATUS memfs_open(FSYS_HAND_STRUCT* fsh, _FILE_HAND_STRUCT** out, DBLK* blk, OPEN_MODE mode) {
   if (out != nullptr) *out = nullptr;
   HandleState* state = memfs_state(fsh);
   if (state == nullptr || out == nullptr || blk == nullptr) return FS_ERR_BAD_PARAMETER;
-  if (mode != FS_READ) return FS_ERR_NOT_SUPPORTED;  // the tree is read-only
-  Node const* node = memfs_entry_of(*state, blk);
-  if (node == nullptr || node->directory) return FS_ERR_NOT_SUPPORTED;
+  if (mode != FS_READ && mode != FS_WRITE) return FS_ERR_NOT_SUPPORTED;
+  NodePtr node;
+  std::shared_ptr<std::string const> contents;
+  {
+    auto const hold = memfs_lock();
+    node = memfs_entry_of(*state, blk);
+    if (node != nullptr) contents = node->data;  // what this reader sees to its end
+  }
+  if (node == nullptr || (node->directory && mode == FS_READ)) return FS_ERR_NOT_SUPPORTED;
   auto* file = new (std::nothrow) OpenFile{};
   if (file == nullptr) return FS_ERR_NO_MEMORY;
   file->fsysHand = fsh;
-  file->node = node;
+  file->node = std::move(node);
+  file->contents = std::move(contents);
+  file->mode = mode;
   *out = file;
   return FS_SUCCESS;
 }
@@ -42,7 +42,8 @@ FS_STATUS memfs_read(_FILE_HAND_STRUCT* hand, unsigned char* buffer, unsigned in
       (buffer == nullptr && *size > 0))
     return FS_ERR_BAD_PARAMETER;
   auto& file = static_cast<OpenFile&>(*hand);
-  std::string const& data = file.node->data;
+  if (file.mode != FS_READ || file.contents == nullptr) return FS_ERR_BAD_PARAMETER;
+  std::string const& data = *file.contents;
   *need = MEMFS_READ_UNIT;
   if (!file.header_sent) {
     FS_InitStrmInfo(stream, STRM_GENERIC_DATA, 0, data.size());  // the whole size up front
@@ -60,8 +61,14 @@ FS_STATUS memfs_read(_FILE_HAND_STRUCT* hand, unsigned char* buffer, unsigned in
 
 FS_STATUS memfs_close_obj(_FILE_HAND_STRUCT* hand, void**, void**) {
   if (hand == nullptr) return FS_ERR_BAD_PARAMETER;
-  delete static_cast<OpenFile*>(hand);
-  return FS_SUCCESS;
+  auto* file = static_cast<OpenFile*>(hand);
+  FS_STATUS status = FS_SUCCESS;
+  if (file->mode == FS_WRITE) {
+    auto const hold = memfs_lock();
+    status = memfs_finish_write(*file);
+  }
+  delete file;
+  return status;
 }
 
 }  // namespace memfs

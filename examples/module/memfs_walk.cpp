@@ -1,5 +1,6 @@
 // Walking the tree: the current directory, its listing, and the blocks that
-// describe what the listing finds.
+// describe what the listing finds and the current directory itself (the
+// root's block has an empty name).
 //
 // Paths are in the layer's component form: each component ended by a NUL,
 // `size` bytes with the last terminator; the root alone is one empty
@@ -27,18 +28,13 @@ bool matches(std::wstring spec, std::wstring name) {
                             kClassicRules) == FS_SPEC_MATCH;
 }
 
-Node const* child_named(Node const& dir, std::wstring const& name) {
-  for (Node const& child : dir.children)
-    if (child.name == name) return &child;
-  return nullptr;
-}
-
 // Gives back the name element of a block this module filled before.
 void release_name(FSYS_HAND_STRUCT* fsh, HandleState& state, DBLK* blk) {
   if (blk->os_name == nullptr || state.names.erase(blk->os_name) == 0) return;
   GEN_ReleaseBlk(fsh, blk);
 }
 
+// The block carries everything the node keeps but its contents.
 FS_STATUS fill_block(FSYS_HAND_STRUCT* fsh, HandleState& state, DBLK* blk, Node const& node) {
   release_name(fsh, state, blk);
   char const kind = node.directory ? DBLK_KIND_DDB : DBLK_KIND_FDB;
@@ -46,7 +42,14 @@ FS_STATUS fill_block(FSYS_HAND_STRUCT* fsh, HandleState& state, DBLK* blk, Node 
   FS_SetDefaultDBLK(fsh, kind, 0, &request);
   request.dblk = blk;
   request.gen.dblk = blk;
-  request.gen.display_size = node.data.size();
+  request.gen.display_size = node.display_size;
+  // The name is in the block, never to come as a stream: a word that says
+  // otherwise (an image may hold any) would leave the block unnamed.
+  request.gen.media_attrib = node.attrib1 & ~DBLK_ATTR1_NAME_ENCRYPTED;
+  request.gen.attrib2 = node.attrib2;
+  request.gen.cdate = &node.cdate;
+  request.gen.mdate = &node.mdate;
+  request.gen.adate = &node.adate;
   request.gen.name_char_type = DBLK_NAME_WIDE;
   request.gen.name = node.name.c_str();
   request.gen.name_size = static_cast<std::uint16_t>((node.name.size() + 1) * kWide);
@@ -58,22 +61,29 @@ FS_STATUS fill_block(FSYS_HAND_STRUCT* fsh, HandleState& state, DBLK* blk, Node 
 
 }  // namespace
 
-Node const* memfs_entry_of(HandleState const& state, DBLK const* blk) {
-  if (blk == nullptr || blk->os_name == nullptr || blk->os_name->buffer == nullptr) return nullptr;
-  auto const* name = reinterpret_cast<wchar_t const*>(blk->os_name->buffer);
-  std::size_t const chars = blk->os_name->size / kWide;
-  return child_named(*state.path.back().dir, std::wstring(name, wcsnlen(name, chars)));
+bool memfs_block_name(DBLK const* blk, std::wstring& name) {
+  if (blk == nullptr || blk->os_name == nullptr || blk->os_name->buffer == nullptr) return false;
+  auto const* chars = reinterpret_cast<wchar_t const*>(blk->os_name->buffer);
+  name.assign(chars, wcsnlen(chars, blk->os_name->size / kWide));
+  return true;
+}
+
+NodePtr memfs_entry_of(HandleState const& state, DBLK const* blk) {
+  std::wstring name;
+  if (state.path.empty() || !memfs_block_name(blk, name)) return nullptr;
+  return memfs_child(*state.path.back().dir, name);
 }
 
 FS_STATUS memfs_change_dir(FSYS_HAND_STRUCT* fsh, wchar_t* path, short size) {
   HandleState* state = memfs_state(fsh);
   if (state == nullptr || path == nullptr || size < static_cast<short>(kWide)) return FS_ERR_BAD_PARAMETER;
-  std::vector<HandleState::Level> walk{{&memfs_root(), 0, L"*"}};
+  std::vector<HandleState::Level> walk{{memfs_root(), 0, L"*"}};
   std::size_t const chars = static_cast<std::size_t>(size) / kWide;
+  auto const hold = memfs_lock();
   for (std::size_t at = 0; at < chars;) {
     std::size_t const end = wcsnlen(path + at, chars - at) + at;
     if (end > at) {
-      Node const* next = child_named(*walk.back().dir, std::wstring(path + at, end - at));
+      NodePtr next = memfs_child(*walk.back().dir, std::wstring(path + at, end - at));
       if (next == nullptr || !next->directory) return FS_ERR_NOT_SUPPORTED;
       walk.push_back({next, 0, L"*"});
     }
@@ -86,7 +96,8 @@ FS_STATUS memfs_change_dir(FSYS_HAND_STRUCT* fsh, wchar_t* path, short size) {
 FS_STATUS memfs_change_into_ddb(FSYS_HAND_STRUCT* fsh, DBLK* blk) {
   HandleState* state = memfs_state(fsh);
   if (state == nullptr) return FS_ERR_BAD_PARAMETER;
-  Node const* entry = memfs_entry_of(*state, blk);
+  auto const hold = memfs_lock();
+  NodePtr entry = memfs_entry_of(*state, blk);
   if (entry == nullptr || !entry->directory) return FS_ERR_NOT_SUPPORTED;
   state->path.push_back({entry, 0, L"*"});
   return FS_SUCCESS;
@@ -116,6 +127,13 @@ FS_STATUS memfs_get_current_path(FSYS_HAND_STRUCT* fsh, wchar_t* path, short* si
   return FS_SUCCESS;
 }
 
+FS_STATUS memfs_get_current_ddb(FSYS_HAND_STRUCT* fsh, DBLK* blk) {
+  HandleState* state = memfs_state(fsh);
+  if (state == nullptr || blk == nullptr || state->path.empty()) return FS_ERR_BAD_PARAMETER;
+  auto const hold = memfs_lock();
+  return fill_block(fsh, *state, blk, *state->path.back().dir);
+}
+
 FS_STATUS memfs_find_first(FSYS_HAND_STRUCT* fsh, DBLK* blk, wchar_t* spec, unsigned short) {
   HandleState* state = memfs_state(fsh);
   if (state == nullptr || blk == nullptr) return FS_ERR_BAD_PARAMETER;
@@ -129,9 +147,10 @@ FS_STATUS memfs_find_next(FSYS_HAND_STRUCT* fsh, DBLK* blk) {
   HandleState* state = memfs_state(fsh);
   if (state == nullptr || blk == nullptr) return FS_ERR_BAD_PARAMETER;
   HandleState::Level& level = state->path.back();
-  std::vector<Node> const& entries = level.dir->children;
+  auto const hold = memfs_lock();
+  std::vector<NodePtr> const& entries = level.dir->children;
   while (level.cursor < entries.size()) {
-    Node const& entry = entries[level.cursor++];
+    Node const& entry = *entries[level.cursor++];
     if (matches(level.spec, entry.name)) return fill_block(fsh, *state, blk, entry);
   }
   return FS_STATUS_NONE;
