@@ -15,8 +15,10 @@
 // What is compared, for any module: the kind of block and the streams
 // (their ids, sizes and bytes); for objects of the posix module on both
 // sides, type, permissions, owner, group, size and modification time; for
-// any other, the attribute words, the display size of a file and the
-// modification date, each when the archive describes it. Objects in TARGET
+// any other, the display size of a file and the modification date, each
+// when the archive describes it, and the attribute words when both sides
+// are of the same OS id (a posix copy of another module's object keeps no
+// such words). An empty data stream counts as none. Objects in TARGET
 // that the archive does not hold are not looked at, so a backup made with
 // exclusions verifies against its source.
 #include <unistd.h>
@@ -62,7 +64,8 @@ constexpr char kHelp[] =
     "                  the archive's top-level object; give one per source of\n"
     "                  an archive of several, in their order. Compares data,\n"
     "                  type, and permissions, owner, group, size, modification\n"
-    "                  time (other modules: attributes, size, modification date)\n"
+    "                  time (other modules: size, modification date, and the\n"
+    "                  attribute words when TARGET is of the same module)\n"
     "  -v, --verbose   name each object checked; show the layer's messages\n"
     "  -q, --quiet     no progress line, no layer messages\n"
     "\n"
@@ -81,9 +84,13 @@ std::string date_text(_DATE_TIME const& d) {
 }
 
 // A digest of an object's streams: each header's id and size, then its bytes.
+// An empty data stream and no data stream say the same (the file holds no
+// bytes), and modules differ in which they give for an empty file (the
+// posix module gives none): an empty data stream is left out.
 class StreamDigest {
  public:
   void header(STREAM_INFO const& h) {
+    if (h.id == STRM_GENERIC_DATA && h.size == 0) return;
     sha_.add(&h.id, sizeof h.id);
     sha_.add(&h.size, sizeof h.size);
   }
@@ -251,7 +258,13 @@ std::string differences(ObjectEntry const& entry, Found const& found) {
     return posix_differences(a, b);
   std::string out;
   auto add = [&](std::string const& what) { out += (out.empty() ? "" : ", ") + what; };
-  if (found.attrib1 != entry.record.attrib1 || found.attrib2 != entry.record.attrib2) add("attributes differ");
+  // Attribute words are each module's own: the posix copy a restore makes
+  // of another module's object carries a mode there, not the words it came
+  // with. We compare them only between objects of the same OS id; kind,
+  // data, size and date still tell a changed copy.
+  bool const same_module = found.os_id == entry.record.os_id;
+  if (same_module && (found.attrib1 != entry.record.attrib1 || found.attrib2 != entry.record.attrib2))
+    add("attributes differ");
   if (!entry.has_generic) return out;
   ObjectGeneric const& g = entry.generic;
   if (entry.record.blk_type != DBLK_KIND_DDB && g.display_size != found.generic.display_size)

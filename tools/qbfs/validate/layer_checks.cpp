@@ -55,11 +55,25 @@ bool started_with_elements(LayerHarness& harness, std::string& why_not) {
   return true;
 }
 
-bool can_attach(LayerHarness const& harness) {
-  _FUNC_LIST* tables = nullptr;
-  get_func_tabs(&tables);
-  for (unsigned index : harness.indices())
-    if (tables[index].AttachToDLE != nullptr || get_DLE_fsysObjPtr(index) != nullptr) return true;
+// Whether the module's handles attach to `dle`. A module attaches through
+// its table's AttachToDLE or through the adapter its OpenSys puts on every
+// new handle, and only the layer sees the adapter: we ask it with one attach,
+// which it answers with FS_ERR_UNIMPLEMENTED when neither attaches.
+bool attaches(LayerHarness& harness, GENERIC_DLE* dle) {
+  note_step("attach to " + element_name(dle));
+  FSYS_HAND_STRUCT* hand = nullptr;
+  FS_STATUS const status = FS_AttachToDLE(&hand, dle, harness.cfg(), nullptr, nullptr, 0, 0, nullptr,
+                                          nullptr, 0, nullptr, false);
+  if (hand != nullptr) FS_DetachDLE(hand);
+  return status != FS_ERR_UNIMPLEMENTED;
+}
+
+// Starts the layer, finds the drives and makes sure the module attaches;
+// `why_not` says what stopped it.
+bool attachable_elements(LayerHarness& harness, std::string& why_not) {
+  if (!started_with_elements(harness, why_not)) return false;
+  if (attaches(harness, harness.attach_targets().front())) return true;
+  why_not = "the module does not attach (no AttachToDLE slot, and no adapter of its handles attaches)";
   return false;
 }
 
@@ -103,9 +117,8 @@ CheckResult check_find_drives(ValidateOptions const& options) {
 
 CheckResult check_attach_detach(ValidateOptions const& options) {
   LayerHarness harness(options);
-  if (!can_attach(harness)) return skipped("the module has no AttachToDLE slot");
   std::string why_not;
-  if (!started_with_elements(harness, why_not)) return skipped(why_not);
+  if (!attachable_elements(harness, why_not)) return skipped(why_not);
   std::vector<GENERIC_DLE*> const targets = harness.attach_targets();
   for (unsigned cycle = 0; cycle < options.attach_cycles; ++cycle) {
     for (GENERIC_DLE* dle : targets) {
@@ -119,9 +132,8 @@ CheckResult check_attach_detach(ValidateOptions const& options) {
 
 CheckResult check_attach_leaks(ValidateOptions const& options) {
   LayerHarness harness(options);
-  if (!can_attach(harness)) return skipped("the module has no AttachToDLE slot");
   std::string why_not;
-  if (!started_with_elements(harness, why_not)) return skipped(why_not);
+  if (!attachable_elements(harness, why_not)) return skipped(why_not);
   std::vector<GENERIC_DLE*> const targets = harness.attach_targets();
   for (unsigned cycle = 0; cycle < options.attach_cycles; ++cycle)
     for (GENERIC_DLE* dle : targets)
