@@ -393,6 +393,11 @@ TEST(AdapterModule, RestoreIntoTheReadOnlyElementFailsCleanly) {
   EXPECT_TRUE(has(restore.err, archived("") + ": cannot be restored")) << restore.err;
   EXPECT_TRUE(has(restore.out, " 0 objects")) << restore.out;
   EXPECT_TRUE(has(restore.out, " " + std::to_string(adapterfs_tree().size()) + " failed")) << restore.out;
+  // The missing top directory is said once, not once for every object below it.
+  std::size_t lines = 0;
+  for (char c : restore.err) lines += c == '\n';
+  EXPECT_LE(lines, 3u) << restore.err;
+  EXPECT_TRUE(has(restore.err, "; nothing else below that directory is restored\n")) << restore.err;
 }
 
 // ---- a module that fails mid-read ------------------------------------------------
@@ -419,6 +424,10 @@ TEST_P(AdapterModuleReadError, BackupAndRestoreNameTheObjectAndExitOne) {
   EXPECT_TRUE(clean(ls));
   EXPECT_EQ(ls.status, 0) << "a failed read leaves the archive whole\n" << ls.err;
   EXPECT_TRUE(has(ls.out, kElement + "/" + failing + "  (incomplete")) << ls.out;
+  ToolRun const verify = qbfs("verify '" + archive + "'");
+  EXPECT_TRUE(clean(verify));
+  EXPECT_EQ(verify.status, 1) << "an archive missing an object's data is no complete backup\n" << verify.out;
+  EXPECT_TRUE(has(verify.out, "whole, 1 incomplete at backup")) << verify.out;
 
   std::string const target = s.fresh("restored");
   ToolRun const restore = qbfs("restore '" + archive + "' -C '" + target + "'");

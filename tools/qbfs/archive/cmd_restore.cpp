@@ -147,8 +147,18 @@ class RestoreJob {
         console_.message("created the missing directory " +
                          display_path(Components(dir.begin(), dir.begin() + depth)));
     };
-    if (!cursor_.go_to(entry.components, entry.components.size() - 1, true, why, note))
-      return fail(entry.components, why);
+    // Below a directory that could not be entered or made, every object
+    // fails the same way: it is said once, for the first, and counted.
+    if (!blocked_.empty() && entry.components.size() > blocked_.size() && is_prefix(blocked_, entry.components)) {
+      ++failed_;
+      if (verbose_) console_.message(display_path(entry.components) + ": not restored: its directory is missing");
+      return;
+    }
+    blocked_.clear();
+    if (!cursor_.go_to(entry.components, entry.components.size() - 1, true, why, note)) {
+      blocked_.assign(entry.components.begin(), entry.components.end() - 1);
+      return fail(entry.components, why + "; nothing else below that directory is restored");
+    }
     blk_ = DBLK{};
     FS_STATUS status = make_block(hand_, entry.record, entry.has_generic ? &entry.generic : nullptr,
                                   entry.components.back(), info_, &blk_);
@@ -223,6 +233,7 @@ class RestoreJob {
   std::vector<Components> selection_;
   RestorePolicy policy_;
   HandleCursor cursor_{hand_};
+  Components blocked_;  // a directory that could not be entered or made
   DBLK blk_{};
   bool made_ = false;     // blk_ holds a block
   bool created_ = false;  // the file system made the object

@@ -70,7 +70,8 @@ constexpr char kHelp[] =
     "  -q, --quiet     no progress line, no layer messages\n"
     "\n"
     "Exit status: 0 when the archive is whole (and matches TARGET), 1 when it\n"
-    "is damaged or differs, 2 on bad usage.\n";
+    "is damaged, differs, or holds objects whose reading failed at backup (it\n"
+    "is then no complete copy of its source), 2 on bad usage.\n";
 
 constexpr std::size_t kReadBuffer = 1u << 20;
 
@@ -381,7 +382,10 @@ int cmd_verify(Options const& options, int argc, char** argv) {
   }
   if (not_compared > 0) rest += ", " + grouped(not_compared) + " not compared";
   console.summary(tally.objects, tally.bytes, rest, stdout);
-  return rc != 0 || tally.damaged > 0 || end.damaged || tally.differ > 0 || not_compared > 0 ? 1 : 0;
+  return rc != 0 || tally.damaged > 0 || end.damaged || tally.differ > 0 || tally.incomplete > 0 ||
+                 not_compared > 0
+             ? 1
+             : 0;
 }
 
 }  // namespace qbfs
