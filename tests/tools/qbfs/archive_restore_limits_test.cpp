@@ -174,6 +174,61 @@ std::string data_below(std::string const& top, std::size_t levels, std::string c
   return data;
 }
 
+// ---- a file where a directory of a path would be made --------------------------
+
+// An archive that restores a file and then objects below a directory of the
+// same name, which has no record of its own: the file stays as restored,
+// the objects below it are reported, and the restore exits 1. `held` is a
+// file the target already holds there instead, with the same outcome.
+struct InTheWayCase {
+  char const* label;
+  std::vector<Forged> objects;  // after src
+  std::string held;             // a file at src/a in the target before the restore, or empty
+  std::string kept;             // src/a's data afterwards
+  std::size_t failed;           // objects the summary counts as failed
+};
+std::ostream& operator<<(std::ostream& os, InTheWayCase const& c) { return os << c.label; }
+
+class FileInTheWay : public ::testing::TestWithParam<InTheWayCase> {};
+
+TEST_P(FileInTheWay, IsNotReplacedByADirectory) {
+  InTheWayCase const& c = GetParam();
+  Scratch s;
+  std::vector<Forged> objects{{DBLK_KIND_DDB, kDir, "src", ""}};
+  objects.insert(objects.end(), c.objects.begin(), c.objects.end());
+  std::string const archive = s.dir + "/in-the-way.qba", out = s.fresh("out");
+  ASSERT_TRUE(write_archive(archive, objects.size(), [&](std::size_t i) { return objects[i]; }));
+  if (!c.held.empty()) {
+    ASSERT_EQ(mkdir((out + "/src").c_str(), 0755), 0);
+    std::ofstream(out + "/src/a") << c.held;
+  }
+  qbtest::ToolRun const restore = qbtest::qbfs("restore '" + archive + "' -C '" + out + "'");
+  EXPECT_EQ(restore.status, 1) << restore.err;
+  std::string const said = "an object that is no directory has its name";
+  EXPECT_EQ(restore.err.find(said), restore.err.rfind(said)) << "said once\n" << restore.err;
+  EXPECT_TRUE(has(restore.err, said)) << restore.err;
+  EXPECT_TRUE(has(restore.err, "nothing else below src/a is restored")) << restore.err;
+  struct stat st {};
+  ASSERT_EQ(lstat((out + "/src/a").c_str(), &st), 0);
+  EXPECT_TRUE(S_ISREG(st.st_mode)) << "src/a was replaced";
+  EXPECT_EQ(read_file(out + "/src/a"), c.kept);
+  EXPECT_TRUE(has(restore.out, ", " + std::to_string(c.failed) + " failed")) << restore.out;
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Cases, FileInTheWay,
+    ::testing::Values(
+        InTheWayCase{"RestoredJustBefore",
+                     {{DBLK_KIND_FDB, kFile, "src/a", "file\n"}, {DBLK_KIND_FDB, kFile, "src/a/b", "below\n"}},
+                     "", "file\n", 1},
+        InTheWayCase{"SeveralBelowSaidOnce",
+                     {{DBLK_KIND_FDB, kFile, "src/a", "file\n"},
+                      {DBLK_KIND_FDB, kFile, "src/a/x/b", "below\n"},
+                      {DBLK_KIND_FDB, kFile, "src/a/y/c", "below\n"}},
+                     "", "file\n", 2},
+        InTheWayCase{"HeldByTheTarget", {{DBLK_KIND_FDB, kFile, "src/a/b", "below\n"}}, "held\n", "held\n", 1}),
+    [](auto const& info) { return std::string(info.param.label); });
+
 // ---- a record's kind and its stat record ----------------------------------------
 
 struct KindCase {

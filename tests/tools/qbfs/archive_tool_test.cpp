@@ -506,7 +506,7 @@ INSTANTIATE_TEST_SUITE_P(
         usage_case{"backup @/src @/src -o @/a.qba", 2, "two sources are named 'src'"},
         usage_case{"backup --exclude-from @/none @/src -o @/a.qba", 1,
                    "cannot read the exclusion file '@/none': No such file or directory"},
-        usage_case{"restore @/junk", 2, "qbfs restore: no target directory given (-C DIR)"},
+        usage_case{"restore @/junk", 2, "qbfs restore: no target given (-C TARGET)"},
         usage_case{"restore -x @/junk -C @/dst", 2, "qbfs restore: unknown option -x"},
         usage_case{"restore @/junk -C @/dst", 1, "qbfs restore: cannot read '@/junk': it is not a qbfs archive"},
         usage_case{"restore @/short -C @/dst", 1, "'@/short': it is too short to be an archive"},

@@ -2,28 +2,36 @@
 //
 // Reads the archive once, front to back (it may be a pipe), and restores
 // each object through the layer into TARGET: an existing directory, else an
-// element named as `qbfs backup` names its sources. The element's module creates it from the
-// record's block and takes its streams. An object is judged only when its
-// checksum arrives, after its data: an object found damaged then is deleted
-// again, so no file is left with altered data. A directory is kept (the
-// objects below it need it) and reported. Which of the two an object is, is
-// asked of the file system (what was made), not taken from the record: the
-// module makes the object its OS information describes. The reader refuses
-// a record whose kind and OS information disagree, and so does the module.
+// element named as `qbfs backup` names its sources. The element's module
+// creates each object from the record's block and takes its streams. An
+// object is judged only when its checksum arrives, after its data: an
+// object found damaged then is deleted again, so no file is left with
+// altered data. A directory is kept (the objects below it need it) and
+// reported. Which of the two an object is, is asked of the file system
+// (what was made), not taken from the record: the module makes the object
+// its OS information describes. The reader refuses a record whose kind and
+// OS information disagree, and so does the module.
 //
-// Nothing lands outside DIR: the reader refuses paths that are absolute or
-// climb, the handle moves only by names below its root, and the module
-// opens every component without following links.
+// Nothing lands outside TARGET: the reader refuses paths that are absolute
+// or climb, and the handle moves only by names below its root (the posix
+// module also opens every component without following links).
 //
 // What the archive may make (set-uid bits, device nodes) is narrowed by
 // the options of restore_policy.h; an object refused by them is reported
-// and counts like a failed one: the exit status is then 1, because DIR
+// and counts like a failed one: the exit status is then 1, because TARGET
 // does not hold everything the archive does, and a script must not take
 // the restore for a whole one.
 //
-// When a directory of the archive is missing in DIR (its record was
+// When a directory of the archive is missing in TARGET (its record was
 // damaged, or only objects below it were selected and it was not), it is
 // created as a plain directory so the objects below it can be restored.
+// An object of another kind in its place (a file the archive restored just
+// before, or one the target held) is not replaced by it: the objects below
+// are reported and not restored.
+//
+// Each object counts once in the summary: restored, damaged, failed (its
+// reading failed at backup, it could not be made, or its directory could
+// not be), or refused.
 #include <unistd.h>
 
 #include <cerrno>
@@ -134,6 +142,7 @@ class RestoreJob {
   void begin(ObjectEntry const& entry) {
     obj_ = nullptr;
     made_ = created_ = opened_ = false;
+    counted_ = true;  // until the object gets as far as being made
     error_.clear();
     if (!wanted(entry.components)) return;
     info_ = entry.os_info;
@@ -155,11 +164,13 @@ class RestoreJob {
       return;
     }
     blocked_.clear();
-    if (!cursor_.go_to(entry.components, entry.components.size() - 1, true, why, note)) {
-      blocked_.assign(entry.components.begin(), entry.components.end() - 1);
-      return fail(entry.components, why + "; nothing else below that directory is restored");
+    std::size_t failed_depth = 0;
+    if (!cursor_.go_to(entry.components, entry.components.size() - 1, true, why, note, &failed_depth)) {
+      blocked_.assign(entry.components.begin(), entry.components.begin() + failed_depth);
+      return fail(entry.components, why + "; nothing else below " + display_path(blocked_) + " is restored");
     }
     blk_ = DBLK{};
+    counted_ = false;
     FS_STATUS status = make_block(hand_, entry.record, entry.has_generic ? &entry.generic : nullptr,
                                   entry.components.back(), info_, &blk_);
     made_ = status == FS_SUCCESS;
@@ -174,6 +185,7 @@ class RestoreJob {
       if (!made_) {
         fail(entry.components, error_);
         error_.clear();
+        counted_ = true;
       }
     }
   }
@@ -209,7 +221,12 @@ class RestoreJob {
     bool const directory = created_ && !keep && kind_of(hand_, entry.components.back()) == DBLK_KIND_DDB;
     std::string const outcome = !created_ ? "" : directory ? "; the directory is kept" : "; not restored";
     auto path = [&] { return display_path(entry.components); };  // for messages only
-    if (e.verdict == Verdict::damaged) {
+    if (counted_) {
+      // Not selected, refused, or reported when it could not be made; a
+      // damaged record is still news.
+      if (e.verdict == Verdict::damaged && wanted(entry.components))
+        console_.message("damaged: " + path() + ": " + e.problem);
+    } else if (e.verdict == Verdict::damaged) {
       ++damaged_;
       console_.message("damaged: " + path() + ": " + e.problem + outcome);
     } else if (e.verdict == Verdict::source_failed) {
@@ -238,6 +255,7 @@ class RestoreJob {
   bool made_ = false;     // blk_ holds a block
   bool created_ = false;  // the file system made the object
   bool opened_ = false;   // the object was made and opened for its streams
+  bool counted_ = true;   // the summary already counts the object (or it is not selected)
   _FILE_HAND_STRUCT* obj_ = nullptr;
   std::vector<unsigned char> info_;
   std::string error_;
@@ -274,7 +292,7 @@ int cmd_restore(Options const& options, int argc, char** argv) {
     selection.push_back(path);
   }
   if (archive_name.empty()) return usage_error(kCommand, "no archive given");
-  if (directory.empty()) return usage_error(kCommand, "no target directory given (-C DIR)");
+  if (directory.empty()) return usage_error(kCommand, "no target given (-C TARGET)");
   std::vector<std::string> roots;
   Place target;
   if (int const rc = place_of(kCommand, directory, roots, target)) return rc;

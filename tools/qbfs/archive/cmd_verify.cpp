@@ -10,7 +10,8 @@
 // with -C /tmp/r against /tmp/r/doc. An archive of several sources has one
 // top-level object per source: the first --against stands for the first,
 // the second for the second, and so on; the objects of a source without a
-// TARGET are not compared (the summary counts them).
+// TARGET are not compared (the summary counts them, and the exit status is
+// 1: the archive was not checked against everything it holds).
 //
 // What is compared, for any module: the kind of block and the streams
 // (their ids, sizes and bytes); for objects of the posix module on both
@@ -70,8 +71,9 @@ constexpr char kHelp[] =
     "  -q, --quiet     no progress line, no layer messages\n"
     "\n"
     "Exit status: 0 when the archive is whole (and matches TARGET), 1 when it\n"
-    "is damaged, differs, or holds objects whose reading failed at backup (it\n"
-    "is then no complete copy of its source), 2 on bad usage.\n";
+    "is damaged, differs, holds objects whose reading failed at backup (it is\n"
+    "then no complete copy of its source), or when a TARGET cannot be used or\n"
+    "a source has no TARGET (its objects are not compared), 2 on bad usage.\n";
 
 constexpr std::size_t kReadBuffer = 1u << 20;
 

@@ -232,12 +232,14 @@ HandleCursor::~HandleCursor() {
 }
 
 bool HandleCursor::go_to(Components const& dir, std::size_t depth, bool create, std::string& why,
-                         std::function<void(Components const&, std::size_t)> const& created) {
+                         std::function<void(Components const&, std::size_t)> const& created,
+                         std::size_t* failed_depth) {
   std::size_t common = 0;
   while (common < current_.size() && common < depth && current_[common] == dir[common]) ++common;
   for (; current_.size() > common; current_.pop_back()) FS_HandChangeDirUp(hand_);
   bool made_above = false;  // the directory above was made here: it is empty
   for (std::size_t k = common; k < depth; ++k) {
+    if (failed_depth != nullptr) *failed_depth = k + 1;
     DBLK block{};
     FS_STATUS status = make_plain_directory(hand_, dir[k], &block);
     if (status != FS_SUCCESS) {
@@ -245,6 +247,15 @@ bool HandleCursor::go_to(Components const& dir, std::size_t depth, bool create, 
       return false;
     }
     status = made_above ? FS_STATUS_NONE : FS_HandChangeIntoDDB(hand_, &block);
+    // Something that cannot be entered may be an object of another kind:
+    // a file restored a moment ago, or one the target holds. A directory
+    // made over it would replace it, so the path fails instead.
+    int const in_the_way = status != FS_SUCCESS && create && !made_above ? kind_of(hand_, dir[k]) : 0;
+    if (in_the_way != 0 && in_the_way != DBLK_KIND_DDB) {
+      FS_HandReleaseBlk(hand_, &block);
+      why = "its directory cannot be made: an object that is no directory has its name";
+      return false;
+    }
     if (status != FS_SUCCESS && create) {
       status = FS_HandCreateObj(hand_, &block, nullptr, RESTORE_OVERWRITE);
       if (status == FS_SUCCESS) status = FS_HandChangeIntoDDB(hand_, &block);

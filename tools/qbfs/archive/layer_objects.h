@@ -111,19 +111,23 @@ class HandleCursor {
 
   // Makes `dir` (components below the root) the current directory. With
   // `create`, a missing directory is made as a plain one and `created` is
-  // told its path: the first `depth` components of `dir`. False with `why` when a directory cannot be entered.
+  // told its path: the first `depth` components of `dir`; an object of
+  // another kind in its place is left alone (the path fails). False with
+  // `why` when a directory cannot be entered, and `*failed_depth` (when
+  // given) set to the number of components up to the one that failed.
   // Costs a constant number of calls per name that differs from the
   // current directory's path: below a directory it made, it makes the
   // next one without first trying to enter it (a failure to enter is
   // reported with the whole path, which a deep path would pay per level).
   bool go_to(Components const& dir, bool create, std::string& why,
              std::function<void(Components const& dir, std::size_t depth)> const& created = nullptr) {
-    return go_to(dir, dir.size(), create, why, created);
+    return go_to(dir, dir.size(), create, why, created, nullptr);
   }
   // The same for the first `depth` components of `path` (an object's
   // directory without a copy of its path).
   bool go_to(Components const& path, std::size_t depth, bool create, std::string& why,
-             std::function<void(Components const& dir, std::size_t depth)> const& created = nullptr);
+             std::function<void(Components const& dir, std::size_t depth)> const& created = nullptr,
+             std::size_t* failed_depth = nullptr);
 
  private:
   FSYS_HAND_STRUCT* hand_;
