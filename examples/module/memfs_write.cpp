@@ -187,6 +187,15 @@ FS_STATUS memfs_write(_FILE_HAND_STRUCT* hand, unsigned char* buffer, unsigned i
 
 namespace {
 
+// True while the file is created and not yet put in (an object opened twice
+// is put in by its first close; a deleted one is dropped).
+bool still_created(OpenFile const& file) {
+  HandleState const* state = memfs_state(file.fsysHand);
+  if (state == nullptr) return false;
+  return std::any_of(state->created.begin(), state->created.end(),
+                     [&](HandleState::Created const& c) { return c.node == file.node; });
+}
+
 // Puts a created file in its directory, in place of an entry of its name.
 // Called with the lock held.
 FS_STATUS put_in_tree(OpenFile& file) {
@@ -231,7 +240,7 @@ FS_STATUS put_in_tree(OpenFile& file) {
 
 FS_STATUS memfs_finish_write(OpenFile& file) {
   if (file.failed || file.node->directory) return FS_SUCCESS;
-  if (file.dir != nullptr) return put_in_tree(file);
+  if (file.dir != nullptr && still_created(file)) return put_in_tree(file);
   if (!file.data_started) return FS_SUCCESS;
   Node& node = *file.node;
   // Writers side by side each saw room for their own data alone.
