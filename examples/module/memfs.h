@@ -43,15 +43,24 @@
 // handle, and each open object, is used by one thread at a time.
 // Nodes are shared: a node removed or replaced while a handle stands in it
 // or holds it open lives on, detached, until that handle lets go, so no
-// handle ever reaches freed memory. Written data reaches the node when the
-// object is closed, so a reader sees the old contents or the new ones.
+// handle ever reaches freed memory. A file a restore creates is built
+// off the tree and put in (in place of an entry of its name) only when it
+// is closed without failure, so a reader sees the old contents or the new
+// ones, and a restore that fails an object leaves the old one as it was.
+// A listing hands out the entries its directory held when it started.
+// A directory removed while a handle stands in it takes no new entries.
 //
 // Persistence. When the environment variable QBMEMFS_IMAGE names a file,
-// InitFileSys loads the tree from it (a missing file: the sample tree) and
-// DeInitFileSys writes the tree back when it changed, through a temporary
-// file renamed over the image, so a reader never finds half an image. Two
-// processes that change the tree at once do not merge: the last to shut
-// down wins. A file that is not an image this module wrote, or is damaged,
+// InitFileSys loads the tree from it (a missing file: the sample tree).
+// The tree is written back at every detach that finds it changed, and at
+// DeInitFileSys when it changed since, through a temporary file (flushed to
+// the disk, the old image's permissions kept, 0600 for a new one) renamed
+// over the image, so a reader never finds half an image. A failed save at a
+// detach is that detach's error (FS_STATUS_EXT_ERROR, the handle's message
+// says why) and is said once: shut-down does not try again unless the tree
+// changed after it. Two processes that change the tree at once do not
+// merge: the last to detach wins. Anything but a regular file is refused.
+// A file that is not an image this module wrote, or is damaged,
 // makes InitFileSys fail: the module says why on standard error and the
 // layer drops it; the file is left as it is. The image format, all numbers
 // little-endian:
@@ -65,7 +74,8 @@
 //              directory: u32 entry count, then each entry as a node
 //              file:      u64 data size, then the data
 //   date    := u16 date_valid, u16 year, u8 month, u8 day, u8 hour,
-//              u8 minute, u8 second, u32 ticks (100 ns within the second)
+//              u8 minute, u8 second, u32 ticks (100 ns within the second);
+//              the weekday is not stored: loading computes it from the date
 //
 // Loading checks every field against the limits below before it allocates
 // anything, and refuses names the walk could not serve (empty, with '/' or
@@ -132,9 +142,9 @@ std::unique_lock<std::mutex> memfs_lock();
 // the next detach or shut-down. Called with the lock held.
 void memfs_mark_changed();
 // Saves the tree to the image file when it changed since it was loaded or
-// last saved (and an image is named); FS_SUCCESS, or the save's status
-// after saying why on standard error. Takes the lock itself.
-FS_STATUS memfs_save_if_changed();
+// last saved (and an image is named). True when nothing needed saving or
+// the save succeeded; false with `why` in words. Takes the lock itself.
+bool memfs_save_if_changed(std::string& why);
 // How much the tree holds: its objects, the root included, and the bytes
 // of all its files' data (MEMFS_MAX_NODES and MEMFS_MAX_TREE_BYTES bound
 // them). memfs_tree_size is called with the lock held.
@@ -153,14 +163,16 @@ NodePtr memfs_child(Node const& dir, std::wstring const& name);
 bool memfs_valid_name(std::wstring const& name);
 // True for a date whose fields are in range, or that is not set.
 bool memfs_valid_date(_DATE_TIME const& date);
+// The weekday of a valid set date (0 Sunday .. 6 Saturday).
+std::uint8_t memfs_weekday(_DATE_TIME const& date);
 
 // The image file. Loading: FS_SUCCESS with the tree in `root`; FS_STATUS_NONE
 // when the file does not exist (`root` untouched); FS_ERR_INIT_FAILED with
-// `why` in words when it cannot be read or is no valid image. Saving:
-// FS_SUCCESS, or FS_ERR_INIT_FAILED with `why` (the old image is then left
-// as it was). Neither throws.
+// `why` in words when it cannot be read, is no regular file or is no valid
+// image. Saving: true, or false with `why` (the old image is then left as
+// it was). Neither throws.
 FS_STATUS memfs_load_image(std::string const& path, NodePtr& root, std::string& why);
-FS_STATUS memfs_save_image(std::string const& path, Node const& root, std::string& why);
+bool memfs_save_image(std::string const& path, Node const& root, std::string& why);
 
 // What an attached handle keeps (FSYS_HAND_STRUCT::fsysData).
 struct HandleState {
@@ -171,21 +183,32 @@ struct HandleState {
     NodePtr dir;
     std::size_t cursor;
     std::wstring spec;  // what the listing hands out ("*": everything)
+    // The entries at find-first: another handle's deletions do not make
+    // the listing skip any.
+    std::vector<NodePtr> listing;
   };
   std::vector<Level> path;
   std::set<void const*> names;     // name elements this module put in blocks
+  // Files created by CreateObj and not yet put in the tree (they are at
+  // the first close without failure); DeleteObj of one drops it.
+  struct Created {
+    NodePtr dir, node;
+  };
+  std::vector<Created> created;
 };
 HandleState* memfs_state(FSYS_HAND_STRUCT* fsh);
 
 // The name a block carries; false when it has none.
 bool memfs_block_name(DBLK const* blk, std::wstring& name);
 // The entry a block describes, in the current directory; null when none.
+// A file this handle created there and has not yet put in is found first.
 // Called with the lock held.
 NodePtr memfs_entry_of(HandleState const& state, DBLK const* blk);
 
 // An object opened by OpenObj: the layer's fields first, then the module's.
 struct OpenFile : _FILE_HAND_STRUCT {
   NodePtr node;
+  NodePtr dir;  // writing a created file: the directory it goes into
   OPEN_MODE mode = FS_READ;
   // reading
   std::shared_ptr<std::string const> contents;
@@ -193,7 +216,7 @@ struct OpenFile : _FILE_HAND_STRUCT {
   std::size_t offset = 0;
   // writing: the data gathered, given to the node at close
   bool data_started = false;
-  bool failed = false;  // a stream was refused: nothing is put in
+  bool failed = false;  // a stream was refused: nothing is put in, ever
   std::string written;
 };
 
@@ -242,9 +265,11 @@ FS_STATUS memfs_create_obj(FSYS_HAND_STRUCT* fsh, DBLK* blk, wchar_t const* name
 FS_STATUS memfs_write(_FILE_HAND_STRUCT* hand, unsigned char* buffer, unsigned int* size,
                       unsigned int* need, STREAM_INFO* stream);
 FS_STATUS memfs_delete_obj(FSYS_HAND_STRUCT* fsh, DBLK* blk);
-// Gives the data written to the node; called by CloseObj with the lock
-// held. FS_SUCCESS, or FS_STATUS_EXT_ERROR when the tree has no room left
-// for it (writers that ran side by side); the node then keeps its data.
+// Gives the data written to the node, and puts a created file in the tree
+// in place of an entry of its name; called by CloseObj with the lock held.
+// FS_SUCCESS (nothing changes after a refused stream), or
+// FS_STATUS_EXT_ERROR when the tree has no room left for it (writers that
+// ran side by side) or its directory is gone; the tree is then unchanged.
 FS_STATUS memfs_finish_write(OpenFile& file);
 
 }  // namespace memfs

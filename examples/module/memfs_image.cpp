@@ -3,12 +3,19 @@
 // against the bytes the file still holds before anything is allocated, and
 // the nesting is bounded, so no file makes the module crash, recurse without
 // end or take more memory than the file's size and the limits allow.
-// Saving writes a temporary file beside the image and renames it over the
-// image, so the image is always the old tree or the new one.
+// Saving writes a temporary file beside the image (made anew, never one
+// found there), flushes it to the disk and renames it over the image, then
+// flushes the directory: after a crash the image is the old tree or the
+// new one. The image keeps the permissions it had; a new one is 0600,
+// since a tree may hold anything a restore put in it.
+#include <fcntl.h>
+#include <libgen.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
-#include <fstream>
 #include <iterator>
 #include <random>
 
@@ -22,9 +29,14 @@ constexpr std::uint32_t kVersion = 1;
 constexpr std::uint8_t kKindDirectory = 1;
 constexpr std::uint8_t kKindFile = 2;
 constexpr std::uint64_t kHeaderBytes = sizeof kMagic + sizeof kVersion;
+constexpr std::uint64_t kDateBytes = 2 + 2 + 5 + 4;
 // A node without its data: kind, name, three dates, two words, display
 // size, and the larger of an entry count and a data size.
-constexpr std::uint64_t kMaxNodeBytes = 1 + 4 + 4 * MEMFS_MAX_NAME_CHARS + 3 * 16 + 4 + 4 + 8 + 8;
+constexpr std::uint64_t kMaxNodeBytes = 1 + 4 + 4 * MEMFS_MAX_NAME_CHARS + 3 * kDateBytes + 4 + 4 + 8 + 8;
+// The least an entry takes: a one-character name and an entry count.
+constexpr std::uint64_t kMinNodeBytes = 1 + 4 + 4 + 3 * kDateBytes + 4 + 4 + 8 + 4;
+constexpr mode_t kNewImageMode = 0600;
+constexpr mode_t kPermissionBits = 07777;
 // The largest image a tree within the limits gives: a larger file is
 // refused before it is read.
 constexpr std::uint64_t kMaxImageBytes = kHeaderBytes + MEMFS_MAX_NODES * kMaxNodeBytes + MEMFS_MAX_TREE_BYTES;
@@ -84,7 +96,11 @@ bool read_date(Reader& in, _DATE_TIME& d) {
       !in.number(d.second, "a date") || !in.number(d.ticks, "a date"))
     return false;
   if (!memfs_valid_date(d)) return in.fail("holds a date out of range");
-  if (d.date_valid != 0) d.date_valid = 1;
+  // The weekday is not stored: a date is given out as it was taken.
+  if (d.date_valid != 0) {
+    d.date_valid = 1;
+    d.day_of_week = memfs_weekday(d);
+  }
   return true;
 }
 
@@ -129,9 +145,11 @@ struct Loader {
     std::uint32_t count = 0;
     if (!in.number(count, "a directory's entry count")) return false;
     if (count > 0 && depth + 1 > MEMFS_MAX_DEPTH) return in.fail("nests directories deeper than memfs allows");
-    // Each entry takes at least its kind byte: a count beyond what is left
-    // is refused before anything is reserved for it.
-    if (count > in.left()) return in.fail("holds an entry count larger than the file");
+    // A count beyond what the rest of the file or the limits can hold is
+    // refused before anything is reserved for it: nested directories that
+    // each claim millions of entries must not each reserve room for them.
+    if (count > in.left() / kMinNodeBytes) return in.fail("is cut short (an entry count larger than the file holds)");
+    if (count > MEMFS_MAX_NODES - nodes) return in.fail("holds more than the most objects memfs keeps");
     out.children.reserve(count);
     std::set<std::wstring> seen;
     for (std::uint32_t i = 0; i < count; ++i) {
@@ -196,33 +214,92 @@ std::string temporary_name(std::string const& path) {
   return path + suffix;
 }
 
+bool write_all(int fd, std::string const& bytes) {
+  std::size_t done = 0;
+  while (done < bytes.size()) {
+    ssize_t const n = ::write(fd, bytes.data() + done, bytes.size() - done);
+    if (n < 0 && errno == EINTR) continue;
+    if (n <= 0) return false;
+    done += static_cast<std::size_t>(n);
+  }
+  return true;
+}
+
+// Flushes the directory holding `path`, so that a rename in it lasts.
+bool sync_directory_of(std::string const& path) {
+  std::string copy = path;
+  int const fd = ::open(dirname(&copy[0]), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  if (fd < 0) return false;
+  bool const synced = ::fsync(fd) == 0;
+  ::close(fd);
+  return synced;
+}
+
+// Writes the temporary file; false with `why` (the file is then removed).
+bool write_temporary(std::string const& temporary, std::string const& bytes, mode_t mode, std::string& why) {
+  int const fd = ::open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, kNewImageMode);
+  if (fd < 0) {
+    why = "its temporary file '" + temporary + "' cannot be made: " + std::strerror(errno);
+    return false;
+  }
+  char const* failed = nullptr;
+  if (::fchmod(fd, mode) != 0) failed = "could not take the image's permissions";
+  else if (!write_all(fd, bytes)) failed = "could not be written";
+  else if (::fsync(fd) != 0) failed = "could not be flushed to the disk";
+  int const error = errno;
+  if (::close(fd) != 0 && failed == nullptr) failed = "could not be written";
+  if (failed == nullptr) return true;
+  ::unlink(temporary.c_str());
+  why = "its temporary file '" + temporary + "' " + failed + ": " + std::strerror(error);
+  return false;
+}
+
+// Reads the whole file; false with `why`.
+bool read_image_file(int fd, std::string& bytes, std::string& why) {
+  struct stat st {};
+  if (fstat(fd, &st) != 0) {
+    why = std::string("cannot be read: ") + std::strerror(errno);
+    return false;
+  }
+  // A FIFO would block the start for ever, a device could be endless.
+  if (!S_ISREG(st.st_mode)) {
+    why = "is not a regular file";
+    return false;
+  }
+  if (static_cast<std::uint64_t>(st.st_size) > kMaxImageBytes) {
+    why = "is larger than any image memfs writes";
+    return false;
+  }
+  bytes.resize(static_cast<std::size_t>(st.st_size));
+  std::size_t got = 0;
+  while (got < bytes.size()) {
+    ssize_t const n = ::read(fd, &bytes[got], bytes.size() - got);
+    if (n < 0 && errno == EINTR) continue;
+    if (n < 0) {
+      why = std::string("cannot be read: ") + std::strerror(errno);
+      return false;
+    }
+    if (n == 0) break;  // shrank while read: the reader then finds it cut short
+    got += static_cast<std::size_t>(n);
+  }
+  bytes.resize(got);
+  return true;
+}
+
 }  // namespace
 
 FS_STATUS memfs_load_image(std::string const& path, NodePtr& root, std::string& why) {
   try {
-    errno = 0;
-    std::ifstream file(path, std::ios::binary);
-    if (!file) {
+    int const fd = ::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    if (fd < 0) {
       if (errno == ENOENT) return FS_STATUS_NONE;
       why = std::string("cannot be opened: ") + std::strerror(errno);
       return FS_ERR_INIT_FAILED;
     }
-    file.seekg(0, std::ios::end);
-    std::streamoff const size = file.tellg();
-    if (size < 0) {
-      why = "cannot be read (is it a regular file?)";
-      return FS_ERR_INIT_FAILED;
-    }
-    if (static_cast<std::uint64_t>(size) > kMaxImageBytes) {
-      why = "is larger than any image memfs writes";
-      return FS_ERR_INIT_FAILED;
-    }
-    file.seekg(0, std::ios::beg);
-    std::string bytes(static_cast<std::size_t>(size), '\0');
-    if (!file.read(&bytes[0], size)) {
-      why = "cannot be read";
-      return FS_ERR_INIT_FAILED;
-    }
+    std::string bytes;
+    bool const read = read_image_file(fd, bytes, why);
+    ::close(fd);
+    if (!read) return FS_ERR_INIT_FAILED;
     Reader in(bytes);
     std::uint32_t version = 0;
     auto tree = std::make_shared<Node>();
@@ -245,37 +322,30 @@ FS_STATUS memfs_load_image(std::string const& path, NodePtr& root, std::string& 
   }
 }
 
-FS_STATUS memfs_save_image(std::string const& path, Node const& root, std::string& why) {
+bool memfs_save_image(std::string const& path, Node const& root, std::string& why) {
   std::string temporary;
   try {
     std::string bytes(kMagic, sizeof kMagic);
     put(bytes, kVersion);
     encode(bytes, root);
+    struct stat old {};
+    mode_t const mode = ::stat(path.c_str(), &old) == 0 ? (old.st_mode & kPermissionBits) : kNewImageMode;
     temporary = temporary_name(path);
-    {
-      std::ofstream file(temporary, std::ios::binary | std::ios::trunc);
-      if (!file) {
-        why = "its temporary file '" + temporary + "' cannot be made: " + std::strerror(errno);
-        return FS_ERR_INIT_FAILED;
-      }
-      file.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-      file.close();
-      if (!file) {
-        std::remove(temporary.c_str());
-        why = "its temporary file '" + temporary + "' could not be written";
-        return FS_ERR_INIT_FAILED;
-      }
-    }
+    if (!write_temporary(temporary, bytes, mode, why)) return false;
     if (std::rename(temporary.c_str(), path.c_str()) != 0) {
       why = std::string("the new image could not replace the old one: ") + std::strerror(errno);
-      std::remove(temporary.c_str());
-      return FS_ERR_INIT_FAILED;
+      ::unlink(temporary.c_str());
+      return false;
     }
-    return FS_SUCCESS;
+    if (!sync_directory_of(path)) {
+      why = std::string("the image's directory could not be flushed to the disk: ") + std::strerror(errno);
+      return false;
+    }
+    return true;
   } catch (std::exception const& e) {
-    if (!temporary.empty()) std::remove(temporary.c_str());
+    if (!temporary.empty()) ::unlink(temporary.c_str());
     why = std::string("the image could not be built: ") + e.what();
-    return FS_ERR_INIT_FAILED;
+    return false;
   }
 }
 

@@ -18,18 +18,23 @@ FS_STATUS memfs_open(FSYS_HAND_STRUCT* fsh, _FILE_HAND_STRUCT** out, DBLK* blk, 
   HandleState* state = memfs_state(fsh);
   if (state == nullptr || out == nullptr || blk == nullptr) return FS_ERR_BAD_PARAMETER;
   if (mode != FS_READ && mode != FS_WRITE) return FS_ERR_NOT_SUPPORTED;
-  NodePtr node;
+  NodePtr node, dir;
   std::shared_ptr<std::string const> contents;
   {
     auto const hold = memfs_lock();
     node = memfs_entry_of(*state, blk);
     if (node != nullptr) contents = node->data;  // what this reader sees to its end
+    if (node != nullptr && mode == FS_WRITE && !node->in_tree && !node->directory) {
+      for (HandleState::Created const& c : state->created)
+        if (c.node == node) dir = c.dir;
+    }
   }
   if (node == nullptr || (node->directory && mode == FS_READ)) return FS_ERR_NOT_SUPPORTED;
   auto* file = new (std::nothrow) OpenFile{};
   if (file == nullptr) return FS_ERR_NO_MEMORY;
   file->fsysHand = fsh;
   file->node = std::move(node);
+  file->dir = std::move(dir);
   file->contents = std::move(contents);
   file->mode = mode;
   *out = file;

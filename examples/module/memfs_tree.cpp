@@ -1,7 +1,9 @@
 // The tree the module serves: the sample, or what the image file holds, from
 // InitFileSys on; saved back to the image when a handle detaches (the
 // caller hears of a failed save in the detach status) and at DeInitFileSys,
-// each time only when it changed.
+// each time only when it changed. A failed save is said once: the detach
+// that met it tells its caller, and shut-down tries again only when the
+// tree changed after that.
 #include <cstdio>
 #include <cstdlib>
 
@@ -16,6 +18,7 @@ struct Tree {
   std::mutex mutex;
   NodePtr root;
   bool changed = false;
+  bool failure_told = false;  // the last save failed and a caller was told; unchanged since
   TreeSize size;
   std::string image;  // the image file's path; empty: none
 };
@@ -70,7 +73,10 @@ NodePtr memfs_root() {
 
 std::unique_lock<std::mutex> memfs_lock() { return std::unique_lock<std::mutex>(tree().mutex); }
 
-void memfs_mark_changed() { tree().changed = true; }
+void memfs_mark_changed() {
+  tree().changed = true;
+  tree().failure_told = false;
+}
 
 TreeSize& memfs_tree_size() { return tree().size; }
 
@@ -101,6 +107,20 @@ bool memfs_valid_name(std::wstring const& name) {
       return false;
   }
   return true;
+}
+
+std::uint8_t memfs_weekday(_DATE_TIME const& d) {
+  // Days since 1970-01-01 (a Thursday) by the civil calendar, counting
+  // years from March so that the leap day ends a year.
+  int const y = d.year - (d.month <= 2 ? 1 : 0);
+  int const era = (y >= 0 ? y : y - 399) / 400;
+  int const year_of_era = y - era * 400;
+  int const month_from_march = (d.month + 9) % 12;
+  int const day_of_year = (153 * month_from_march + 2) / 5 + d.day - 1;
+  int const day_of_era = year_of_era * 365 + year_of_era / 4 - year_of_era / 100 + day_of_year;
+  long long const days = static_cast<long long>(era) * 146097 + day_of_era - 719468;
+  constexpr int kThursday = 4, kDaysPerWeek = 7;
+  return static_cast<std::uint8_t>(((days % kDaysPerWeek) + kDaysPerWeek + kThursday) % kDaysPerWeek);
 }
 
 bool memfs_valid_date(_DATE_TIME const& d) {
@@ -134,26 +154,36 @@ FS_STATUS memfs_init(QB_CFG*) {
   return FS_SUCCESS;
 }
 
-FS_STATUS memfs_save_if_changed() {
+bool memfs_save_if_changed(std::string& why) {
   Tree& t = tree();
   std::lock_guard<std::mutex> hold(t.mutex);
-  if (!t.changed || t.image.empty() || t.root == nullptr) return FS_SUCCESS;
-  std::string why;
-  FS_STATUS const status = memfs_save_image(t.image, *t.root, why);
-  if (status != FS_SUCCESS) {
-    std::fprintf(stderr, "memfs: the tree could not be saved to the image file '%s': %s\n", shown(t.image).c_str(),
-                 shown(why).c_str());
-    return status;
+  if (!t.changed || t.image.empty() || t.root == nullptr) return true;
+  std::string reason;
+  if (!memfs_save_image(t.image, *t.root, reason)) {
+    why = "memfs: the tree could not be saved to the image file '" + shown(t.image) + "': " + shown(reason);
+    t.failure_told = true;
+    return false;
   }
   t.changed = false;
-  return FS_SUCCESS;
+  return true;
 }
 
+// At shut-down no caller is left to tell (the layer drops this status): a
+// failure goes to standard error, unless a detach already told its caller.
 FS_STATUS memfs_deinit() {
-  FS_STATUS const status = memfs_save_if_changed();
   Tree& t = tree();
+  bool told = false;
+  {
+    std::lock_guard<std::mutex> hold(t.mutex);
+    told = t.failure_told;
+  }
+  std::string why;
+  bool const saved = told || memfs_save_if_changed(why);
+  if (!saved) std::fprintf(stderr, "%s\n", why.c_str());
+  FS_STATUS const status = saved ? FS_SUCCESS : FS_STATUS_EXT_ERROR;
   std::lock_guard<std::mutex> hold(t.mutex);
   t.changed = false;
+  t.failure_told = false;
   t.image.clear();
   return status;
 }

@@ -71,13 +71,16 @@ bool memfs_block_name(DBLK const* blk, std::wstring& name) {
 NodePtr memfs_entry_of(HandleState const& state, DBLK const* blk) {
   std::wstring name;
   if (state.path.empty() || !memfs_block_name(blk, name)) return nullptr;
-  return memfs_child(*state.path.back().dir, name);
+  NodePtr const& dir = state.path.back().dir;
+  for (HandleState::Created const& c : state.created)
+    if (c.dir == dir && c.node->name == name) return c.node;
+  return memfs_child(*dir, name);
 }
 
 FS_STATUS memfs_change_dir(FSYS_HAND_STRUCT* fsh, wchar_t* path, short size) {
   HandleState* state = memfs_state(fsh);
   if (state == nullptr || path == nullptr || size < static_cast<short>(kWide)) return FS_ERR_BAD_PARAMETER;
-  std::vector<HandleState::Level> walk{{memfs_root(), 0, L"*"}};
+  std::vector<HandleState::Level> walk{{memfs_root(), 0, L"*", {}}};
   std::size_t const chars = static_cast<std::size_t>(size) / kWide;
   auto const hold = memfs_lock();
   for (std::size_t at = 0; at < chars;) {
@@ -85,7 +88,7 @@ FS_STATUS memfs_change_dir(FSYS_HAND_STRUCT* fsh, wchar_t* path, short size) {
     if (end > at) {
       NodePtr next = memfs_child(*walk.back().dir, std::wstring(path + at, end - at));
       if (next == nullptr || !next->directory) return FS_ERR_NOT_SUPPORTED;
-      walk.push_back({next, 0, L"*"});
+      walk.push_back({next, 0, L"*", {}});
     }
     at = end + 1;
   }
@@ -99,7 +102,7 @@ FS_STATUS memfs_change_into_ddb(FSYS_HAND_STRUCT* fsh, DBLK* blk) {
   auto const hold = memfs_lock();
   NodePtr entry = memfs_entry_of(*state, blk);
   if (entry == nullptr || !entry->directory) return FS_ERR_NOT_SUPPORTED;
-  state->path.push_back({entry, 0, L"*"});
+  state->path.push_back({entry, 0, L"*", {}});
   return FS_SUCCESS;
 }
 
@@ -140,6 +143,10 @@ FS_STATUS memfs_find_first(FSYS_HAND_STRUCT* fsh, DBLK* blk, wchar_t* spec, unsi
   HandleState::Level& level = state->path.back();
   level.cursor = 0;
   level.spec = spec != nullptr && spec[0] != L'\0' ? spec : L"*";
+  {
+    auto const hold = memfs_lock();
+    level.listing = level.dir->children;
+  }
   return memfs_find_next(fsh, blk);
 }
 
@@ -148,7 +155,7 @@ FS_STATUS memfs_find_next(FSYS_HAND_STRUCT* fsh, DBLK* blk) {
   if (state == nullptr || blk == nullptr) return FS_ERR_BAD_PARAMETER;
   HandleState::Level& level = state->path.back();
   auto const hold = memfs_lock();
-  std::vector<NodePtr> const& entries = level.dir->children;
+  std::vector<NodePtr> const& entries = level.listing;
   while (level.cursor < entries.size()) {
     Node const& entry = *entries[level.cursor++];
     if (matches(level.spec, entry.name)) return fill_block(fsh, *state, blk, entry);
@@ -158,7 +165,10 @@ FS_STATUS memfs_find_next(FSYS_HAND_STRUCT* fsh, DBLK* blk) {
 
 FS_STATUS memfs_find_close(FSYS_HAND_STRUCT* fsh, DBLK*) {
   HandleState* state = memfs_state(fsh);
-  if (state != nullptr) state->path.back().cursor = 0;
+  if (state != nullptr && !state->path.empty()) {
+    state->path.back().cursor = 0;
+    state->path.back().listing.clear();
+  }
   return FS_SUCCESS;
 }
 

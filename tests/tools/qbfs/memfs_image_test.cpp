@@ -140,6 +140,15 @@ std::string deep_image(std::size_t levels) {
   return header() + directory(L"", {inner});
 }
 
+// Directories nested `levels` deep, each claiming `count` entries, and more
+// than `count` bytes after them: room for the count's entries may not be
+// reserved at each level before they are read.
+std::string nested_counts_image(std::size_t levels, std::uint32_t count) {
+  std::string out = header() + node_head(1, L"") + le(count);
+  for (std::size_t i = 0; i < levels; ++i) out += node_head(1, L"x") + le(count);
+  return out + std::string(count + 100, '\0');
+}
+
 std::vector<bad_image> bad_images() {
   std::string const good = valid_image();
   std::string const root_head = header() + node_head(1, L"");
@@ -155,6 +164,9 @@ std::vector<bad_image> bad_images() {
       {"AbsurdNameLength", header() + le(std::uint8_t{1}) + le(std::uint32_t{0xFFFFFFFF}), "name longer"},
       {"NameLengthBeyondTheFile", header() + le(std::uint8_t{1}) + le(std::uint32_t{200}), "cut short"},
       {"AbsurdEntryCount", root_head + le(std::uint32_t{0xFFFFFFFF}), "entry count larger than the file"},
+      {"NestedHugeEntryCounts", nested_counts_image(200, 10000000), "entry count larger than the file"},
+      {"EntryCountBeyondItsEntries", root_head + le(std::uint32_t{3}) + file(L"a", "1") + file(L"b", "2"),
+       "entry count larger than the file"},
       {"AbsurdFileSize", root_head + le(std::uint32_t{1}) + f_head + le(~std::uint64_t{0}), "larger than memfs keeps"},
       {"FileSizeBeyondTheFile", root_head + le(std::uint32_t{1}) + f_head + le(std::uint64_t{1000}) + "hello",
        "cut short"},
@@ -198,12 +210,23 @@ TEST_P(HostileImage, StopsTheModuleWithAMessageAndLeavesTheFile) {
 INSTANTIATE_TEST_SUITE_P(Memfs, HostileImage, ::testing::ValuesIn(bad_images()),
                          [](auto const& info) { return std::string(info.param.name); });
 
-TEST(MemfsImage, AnImageThatIsADirectoryStopsTheModule) {
+// A FIFO would block the start for ever (the run is bounded by `timeout`
+// so that a regression fails instead of hanging).
+TEST(MemfsImage, AnImageThatIsNoRegularFileStopsTheModule) {
   qbtest::ScratchDir s;
-  ToolRun const run = memfs_qbfs(s.dir, "-q backup memfs: -o '" + s.dir + "/out.qbfs'");
-  EXPECT_TRUE(clean(run));
-  EXPECT_EQ(run.status, 1) << run.err;
-  EXPECT_TRUE(has(run.err, "memfs: not started: the image file")) << run.err;
+  struct {
+    char const* what;
+    std::string path;
+  } const cases[] = {{"directory", s.fresh("dir")}, {"fifo", s.dir + "/fifo"}};
+  ASSERT_EQ(mkfifo(cases[1].path.c_str(), 0600), 0);
+  for (auto const& c : cases) {
+    ToolRun const run = qbtest::shell("timeout 60 env TZ=UTC QBMEMFS_IMAGE='" + c.path + "' " +
+                                      qbtest::qbfs_command() + kMemfs + "-q backup memfs: -o '" + s.dir + "/out.qbfs'");
+    EXPECT_TRUE(clean(run)) << c.what;
+    EXPECT_EQ(run.status, 1) << c.what << "\n" << run.err;
+    EXPECT_TRUE(has(run.err, "memfs: not started: the image file '" + c.path + "' is not a regular file"))
+        << c.what << "\n" << run.err;
+  }
 }
 
 }  // namespace

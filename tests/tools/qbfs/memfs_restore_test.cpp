@@ -224,6 +224,38 @@ TEST(MemfsRestore, ATreeThatCannotBeSavedSaysSo) {
       << restore.err;
   EXPECT_EQ(restore.status, 1) << "the restore did not reach the image\n" << restore.err;
   EXPECT_TRUE(has(restore.err, "qbfs restore: restoring into 'memfs:' could not be finished: ")) << restore.err;
+  // One failure, one message: neither the handle's closing nor the shut-down
+  // tries again and says it again.
+  std::size_t said = 0;
+  for (std::size_t at = restore.err.find("could not be saved"); at != std::string::npos;
+       at = restore.err.find("could not be saved", at + 1))
+    ++said;
+  EXPECT_EQ(said, 1u) << restore.err;
+}
+
+TEST(MemfsRestore, TheImageKeepsItsPermissions) {
+  qbtest::ScratchDir s;
+  std::string const src = s.dir + "/src", image = s.dir + "/memfs.img";
+  ASSERT_EQ(mkdir(src.c_str(), 0755), 0);
+  std::ofstream(src + "/f.txt") << "x\n";
+  ASSERT_EQ(qbfs("-q backup '" + src + "' -o '" + s.dir + "/a.qbfs'").status, 0);
+  struct {
+    char const* what;
+    mode_t set;     // set on the image before the restore; 0: no image yet
+    mode_t wanted;  // the image's permissions after it
+  } const cases[] = {{"a new image", 0, 0600}, {"an image made readable by the group", 0640, 0640},
+                     {"an image readable by all", 0644, 0644}};
+  for (auto const& c : cases) {
+    if (c.set != 0) {
+      ASSERT_EQ(chmod(image.c_str(), c.set), 0) << c.what;
+    }
+    ToolRun const restore = memfs_qbfs(image, "-q restore '" + s.dir + "/a.qbfs' -C memfs:");
+    ASSERT_TRUE(clean(restore));
+    ASSERT_EQ(restore.status, 0) << c.what << "\n" << restore.err;
+    struct stat st {};
+    ASSERT_EQ(stat(image.c_str(), &st), 0) << c.what;
+    EXPECT_EQ(st.st_mode & 07777, c.wanted) << c.what;
+  }
 }
 
 TEST(MemfsSample, LongListingShowsTheFixedDates) {
