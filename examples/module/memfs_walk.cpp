@@ -172,11 +172,14 @@ FS_STATUS memfs_find_close(FSYS_HAND_STRUCT* fsh, DBLK*) {
   return FS_SUCCESS;
 }
 
+// Every block of the handle comes back here: those this module filled and
+// those its caller built (a restore builds them with FS_CreateGenDBLK).
+// Their names all live in the handle's pool, so all are given back.
 FS_STATUS memfs_release_blk(FSYS_HAND_STRUCT* fsh, DBLK* blk) {
   HandleState* state = memfs_state(fsh);
   if (state == nullptr || blk == nullptr) return FS_ERR_BAD_PARAMETER;
-  release_name(fsh, *state, blk);
-  return FS_SUCCESS;
+  if (blk->os_name != nullptr) state->names.erase(blk->os_name);
+  return GEN_ReleaseBlk(fsh, blk);
 }
 
 }  // namespace memfs

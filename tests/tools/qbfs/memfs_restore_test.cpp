@@ -111,9 +111,12 @@ TEST(MemfsRestore, PosixTreeKeepsDataAndDatesThroughMemfs) {
   ASSERT_TRUE(clean(backup));
   ASSERT_EQ(backup.status, 0) << backup.err;
 
-  ToolRun const restore = memfs_qbfs(image, "-q restore '" + a + "' -C memfs:");
+  // With -v the layer's own lines show: among them the check, at detach,
+  // that every block's names went back to the handle's pool.
+  ToolRun const restore = memfs_qbfs(image, "restore -v '" + a + "' -C memfs:");
   ASSERT_TRUE(clean(restore));
   ASSERT_EQ(restore.status, 0) << restore.err;
+  EXPECT_FALSE(has(restore.err, "Error")) << restore.err;
   struct stat st {};
   ASSERT_EQ(stat(image.c_str(), &st), 0) << "the restore left no image of the changed tree";
 
