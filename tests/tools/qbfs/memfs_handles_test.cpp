@@ -173,6 +173,21 @@ std::wstring last_message(FSYS_HAND_STRUCT* hand) {
   return message == nullptr ? std::wstring() : std::wstring(message);
 }
 
+// Two handles on one memfs tree (no image): what one does, the other sees.
+class TwoHandles : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    ASSERT_TRUE(session_.ok());
+    first_ = session_.attach();
+    second_ = session_.attach();
+    ASSERT_NE(first_, nullptr);
+    ASSERT_NE(second_, nullptr);
+  }
+  MemfsSession session_{""};
+  FSYS_HAND_STRUCT* first_ = nullptr;
+  FSYS_HAND_STRUCT* second_ = nullptr;
+};
+
 // ---- replacing a file ------------------------------------------------------------
 
 // Each case replaces a file "old" by a restore of `streams`; a damaged
@@ -184,13 +199,9 @@ struct replace_case {
   char const* left;  // the file's contents afterwards
 };
 
-TEST(MemfsHandles, AReplacedFileChangesOnlyWhenItsObjectClosesWithoutFailure) {
-  MemfsSession session("");
-  ASSERT_TRUE(session.ok());
-  FSYS_HAND_STRUCT* writer = session.attach();
-  FSYS_HAND_STRUCT* reader = session.attach();
-  ASSERT_NE(writer, nullptr);
-  ASSERT_NE(reader, nullptr);
+TEST_F(TwoHandles, AReplacedFileChangesOnlyWhenItsObjectClosesWithoutFailure) {
+  FSYS_HAND_STRUCT* const writer = first_;
+  FSYS_HAND_STRUCT* const reader = second_;
   replace_case const cases[] = {
       {"a data stream", {{STRM_GENERIC_DATA, "new"}}, false, "new"},
       {"no stream (an empty file)", {}, false, ""},
@@ -226,13 +237,9 @@ TEST(MemfsHandles, AReplacedFileChangesOnlyWhenItsObjectClosesWithoutFailure) {
 
 // ---- another handle deletes ------------------------------------------------------
 
-TEST(MemfsHandles, AListingGoesOnPastAnEntryAnotherHandleDeletes) {
-  MemfsSession session("");
-  ASSERT_TRUE(session.ok());
-  FSYS_HAND_STRUCT* lister = session.attach();
-  FSYS_HAND_STRUCT* deleter = session.attach();
-  ASSERT_NE(lister, nullptr);
-  ASSERT_NE(deleter, nullptr);
+TEST_F(TwoHandles, AListingGoesOnPastAnEntryAnotherHandleDeletes) {
+  FSYS_HAND_STRUCT* const lister = first_;
+  FSYS_HAND_STRUCT* const deleter = second_;
   for (wchar_t const* name : {L"a", L"b", L"c", L"d"}) ASSERT_EQ(put_file(deleter, name, name[0] == L'a' ? "1" : "2"), FS_SUCCESS);
   std::vector<std::wstring> const before = names(lister);
   ASSERT_GE(before.size(), 4u);
@@ -256,13 +263,9 @@ TEST(MemfsHandles, AListingGoesOnPastAnEntryAnotherHandleDeletes) {
   EXPECT_EQ(names(lister).size(), before.size() - 1);
 }
 
-TEST(MemfsHandles, ADirectoryRemovedByAnotherHandleTakesNoNewEntries) {
-  MemfsSession session("");
-  ASSERT_TRUE(session.ok());
-  FSYS_HAND_STRUCT* inside = session.attach();
-  FSYS_HAND_STRUCT* other = session.attach();
-  ASSERT_NE(inside, nullptr);
-  ASSERT_NE(other, nullptr);
+TEST_F(TwoHandles, ADirectoryRemovedByAnotherHandleTakesNoNewEntries) {
+  FSYS_HAND_STRUCT* const inside = first_;
+  FSYS_HAND_STRUCT* const other = second_;
   ASSERT_EQ(change_dir(inside, {L"docs", L"empty"}), FS_SUCCESS);
   ASSERT_EQ(change_dir(other, {L"docs"}), FS_SUCCESS);
   DBLK empty{};
